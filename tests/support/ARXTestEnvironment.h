@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/ARXPath.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+// A private world for one test: a fresh temporary folder holding a home folder and the XDG
+// config, data and cache roots, with the home override and the XDG variables pointed there.
+// Nothing a test does reaches the real home. The folder is removed afterwards.
+class ARXTestEnvironment : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    Path root() const { return _root; }
+    Path home() const { return _home; }
+    Path configHome() const;
+    Path dataHome() const;
+
+    // Writes a file (and its missing parent folders) with the given bytes.
+    static void writeFile(const Path& path, std::string_view content);
+    static std::string readFile(const Path& path);
+    static void makeFolder(const Path& path);
+
+    // Runs the Qt event loop until pred is true or the timeout passes; answers pred().
+    static bool waitUntil(const std::function<bool()>& pred, int timeoutMs = 3000);
+    // Runs the event loop for the given time.
+    static void spin(int ms);
+
+private:
+    Path _root;
+    Path _home;
+};
+
+// Removes a tree without following links; used to clean fixtures.
+void ARXRemoveTree(const Path& path);
