@@ -18,7 +18,9 @@ Path ARXSettingsStore::defaultFilePath() {
     return ARXPath::join(ARXPath::join(ARXSystemPaths::configHome(), "Atrium"), "defaults.json");
 }
 
-ARXSettingsStore::ARXSettingsStore(Path file) : _file(std::move(file)) { load(); }
+ARXSettingsStore::ARXSettingsStore(Path file) : _file(std::move(file)) {
+    load();
+}
 
 void ARXSettingsStore::reload() {
     QMutexLocker lock(&_mutex);
@@ -36,20 +38,21 @@ void ARXSettingsStore::load() {
     if (!data) {
         if (error != ENOENT) {
             _fileUnreadable = true;
-            ARXConsole::line(QStringLiteral("Atrium: cannot read settings file %1: %2; using defaults")
-                                 .arg(where, QString::fromStdString(ARXFileIO::errorText(error))));
+            ARXConsole::line(
+                QStringLiteral("Atrium: cannot read settings file %1: %2; using defaults")
+                    .arg(where, QString::fromStdString(ARXFileIO::errorText(error))));
         }
         return;
     }
     if (data->find_first_not_of(" \t\r\n") == std::string::npos) {
         // An empty file holds nothing worth keeping; the next save simply fills it.
-        ARXConsole::line(QStringLiteral("Atrium: settings file %1 is empty; using defaults").arg(where));
+        ARXConsole::line(
+            QStringLiteral("Atrium: settings file %1 is empty; using defaults").arg(where));
         return;
     }
     QJsonParseError parseError{};
-    const QJsonDocument doc =
-        QJsonDocument::fromJson(QByteArray::fromRawData(data->data(), qsizetype(data->size())),
-                                &parseError);
+    const QJsonDocument doc = QJsonDocument::fromJson(
+        QByteArray::fromRawData(data->data(), qsizetype(data->size())), &parseError);
     if (parseError.error != QJsonParseError::NoError || !doc.isObject()) {
         _fileUnreadable = true;
         const QString reason = parseError.error != QJsonParseError::NoError
@@ -99,7 +102,8 @@ void ARXSettingsStore::save() {
             const Path aside = ARXFileIO::setAside(_file);
             if (aside.empty()) {
                 ARXConsole::line(
-                    QStringLiteral("Atrium: settings not saved: cannot move the unreadable %1 aside")
+                    QStringLiteral(
+                        "Atrium: settings not saved: cannot move the unreadable %1 aside")
                         .arg(where));
                 return;
             }
@@ -114,8 +118,8 @@ void ARXSettingsStore::save() {
         return;
     }
     const QByteArray json = QJsonDocument(_values).toJson(QJsonDocument::Indented);
-    if (int error = ARXFileIO::writeAtomically(_file, std::string_view(json.constData(),
-                                                                       size_t(json.size())))) {
+    if (int error = ARXFileIO::writeAtomically(
+            _file, std::string_view(json.constData(), size_t(json.size())))) {
         ARXConsole::line(QStringLiteral("Atrium: cannot save settings to %1: %2")
                              .arg(where, QString::fromStdString(ARXFileIO::errorText(error))));
     }

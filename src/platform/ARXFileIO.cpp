@@ -1,6 +1,9 @@
 #include "platform/ARXFileIO.h"
 
+#include "platform/ARXFileDescriptor.h"
+
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -11,23 +14,6 @@
 namespace ARXFileIO {
 
 namespace {
-
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int fd) : _fd(fd) {}
-    ~FileDescriptor() {
-        if (_fd >= 0) {
-            ::close(_fd);
-        }
-    }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    int get() const { return _fd; }
-    int release() { return std::exchange(_fd, -1); }
-
-private:
-    int _fd;
-};
 
 bool writeAll(int fd, std::string_view data) {
     while (!data.empty()) {
@@ -56,7 +42,7 @@ std::string randomSuffix() {
 } // namespace
 
 std::optional<std::string> readFile(const Path& path, size_t maxBytes, int* error) {
-    FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    ARXFileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     auto fail = [&](int code) -> std::optional<std::string> {
         if (error) {
             *error = code;
@@ -66,7 +52,7 @@ std::optional<std::string> readFile(const Path& path, size_t maxBytes, int* erro
     if (fd.get() < 0) {
         return fail(errno);
     }
-    struct stat st{};
+    struct stat st {};
     if (::fstat(fd.get(), &st) != 0) {
         return fail(errno);
     }
@@ -97,21 +83,32 @@ std::optional<std::string> readFile(const Path& path, size_t maxBytes, int* erro
     return data;
 }
 
-int writeAtomically(const Path& path, std::string_view data) {
+int writeAtomically(const Path& requested, std::string_view data) {
+    // A file kept as a link (into a dotfiles folder, say) stays a link: the new content replaces
+    // the file it points to.
+    Path path = requested;
+    struct stat linkStatus {};
+    if (::lstat(requested.c_str(), &linkStatus) == 0 && S_ISLNK(linkStatus.st_mode)) {
+        if (char* resolved = ::realpath(requested.c_str(), nullptr)) {
+            path = resolved;
+            ::free(resolved);
+        }
+    }
     const Path dir = ARXPath::parentPath(path);
     const Path temp = ARXPath::join(dir, "." + ARXPath::lastComponent(path) + "." + randomSuffix());
     // Keep the permissions of the file we replace; new files are private to the user.
     mode_t mode = 0600;
-    struct stat st{};
+    struct stat st {};
     if (::stat(path.c_str(), &st) == 0) {
         mode = st.st_mode & 07777;
     }
-    FileDescriptor fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    ARXFileDescriptor fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     if (fd.get() < 0) {
         return errno;
     }
     int result = 0;
-    if (!writeAll(fd.get(), data) || ::fsync(fd.get()) != 0) {
+    // open() applied the umask; the replaced file's own mode must survive as it was.
+    if (::fchmod(fd.get(), mode) != 0 || !writeAll(fd.get(), data) || ::fsync(fd.get()) != 0) {
         result = errno;
     }
     if (::close(fd.release()) != 0 && result == 0) {
@@ -130,7 +127,7 @@ int makeDirectories(const Path& path) {
     if (path.empty() || path == "/") {
         return 0;
     }
-    struct stat st{};
+    struct stat st {};
     if (::stat(path.c_str(), &st) == 0) {
         return S_ISDIR(st.st_mode) ? 0 : ENOTDIR;
     }
@@ -147,16 +144,18 @@ int makeDirectories(const Path& path) {
 }
 
 bool exists(const Path& path) {
-    struct stat st{};
+    struct stat st {};
     return ::lstat(path.c_str(), &st) == 0;
 }
 
 bool isDirectory(const Path& path) {
-    struct stat st{};
+    struct stat st {};
     return ::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
-bool isReadable(const Path& path) { return ::access(path.c_str(), R_OK) == 0; }
+bool isReadable(const Path& path) {
+    return ::access(path.c_str(), R_OK) == 0;
+}
 
 std::optional<std::vector<std::string>> listNames(const Path& dir, int* error) {
     DIR* handle = ::opendir(dir.c_str());
@@ -206,6 +205,8 @@ Path setAside(const Path& path) {
     return {};
 }
 
-std::string errorText(int error) { return std::strerror(error); }
+std::string errorText(int error) {
+    return std::strerror(error);
+}
 
 } // namespace ARXFileIO

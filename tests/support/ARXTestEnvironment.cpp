@@ -9,7 +9,10 @@
 
 #include <cstdlib>
 #include <ftw.h>
+#include <linux/capability.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -49,8 +52,12 @@ void ARXTestEnvironment::TearDown() {
     }
 }
 
-Path ARXTestEnvironment::configHome() const { return ARXPath::join(_home, ".config"); }
-Path ARXTestEnvironment::dataHome() const { return ARXPath::join(_home, ".local/share"); }
+Path ARXTestEnvironment::configHome() const {
+    return ARXPath::join(_home, ".config");
+}
+Path ARXTestEnvironment::dataHome() const {
+    return ARXPath::join(_home, ".local/share");
+}
 
 void ARXTestEnvironment::writeFile(const Path& path, std::string_view content) {
     ASSERT_EQ(ARXFileIO::makeDirectories(ARXPath::parentPath(path)), 0);
@@ -85,4 +92,23 @@ void ARXTestEnvironment::spin(int ms) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         QThread::msleep(1);
     }
+}
+
+bool ARXTestEnvironment::runWithoutOverridingPermissions(const std::function<void()>& check) {
+    bool dropped = false;
+    std::thread worker([&] {
+        __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+        __user_cap_data_struct data[2]{};
+        if (::syscall(SYS_capget, &header, data) != 0) {
+            return;
+        }
+        data[0].effective &= ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH));
+        if (::syscall(SYS_capset, &header, data) != 0) {
+            return;
+        }
+        dropped = true;
+        check();
+    });
+    worker.join();
+    return dropped;
 }

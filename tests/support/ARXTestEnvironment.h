@@ -30,6 +30,12 @@ protected:
     // Runs the event loop for the given time.
     static void spin(int ms);
 
+    // Runs check on a thread that has given up the capabilities that let root ignore permission
+    // bits, so that permission failures can be tested when the tests run as root (as in CI).
+    // Capabilities belong to threads; the test's other threads keep theirs. Answers false when the
+    // thread could not give them up (check then did not run).
+    static bool runWithoutOverridingPermissions(const std::function<void()>& check);
+
 private:
     Path _root;
     Path _home;
