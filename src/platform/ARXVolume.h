@@ -33,9 +33,15 @@ struct ARXVolume {
     bool isEjectable = false;
     bool isRemovable = false;
 
-    // Linux facts kept for the views: the file-system type ("ext4", "vfat") and the device.
+    // Linux facts kept for the views: the file-system type ("ext4", "vfat"; for a FUSE block
+    // mount the type found on the device, "ntfs") and the device.
     std::string fileSystemType;
     std::string device;
+    // Whether the desktop would show this mount to the user (GIO's judgement: removable media,
+    // mounts under /media, /run/media/USER and the home folder; always the root). System mounts
+    // such as /boot/efi or a tmpfs /tmp are volumes for the path rules but are false here, so a
+    // list of places can leave them out.
+    bool isBrowsable = true;
 };
 
 using ARXVolumeRef = std::shared_ptr<const ARXVolume>;
