@@ -24,9 +24,8 @@ void ARXNotificationCenter::watchOwner(QObject* owner) {
     if (_ownerConnections.contains(owner)) {
         return;
     }
-    _ownerConnections.insert(owner, QObject::connect(owner, &QObject::destroyed, [this, owner] {
-                                 removeObservers(owner);
-                             }));
+    _ownerConnections.insert(owner, QObject::connect(owner, &QObject::destroyed,
+                                                     [this, owner] { removeObservers(owner); }));
 }
 
 void ARXNotificationCenter::removeObserver(Token token) {
@@ -34,7 +33,8 @@ void ARXNotificationCenter::removeObserver(Token token) {
 }
 
 void ARXNotificationCenter::removeObservers(QObject* owner) {
-    std::erase_if(_observers, [owner](const Observer& o) { return o.hasOwner && o.owner == owner; });
+    std::erase_if(_observers,
+                  [owner](const Observer& o) { return o.hasOwner && o.owner == owner; });
     if (auto it = _ownerConnections.find(owner); it != _ownerConnections.end()) {
         QObject::disconnect(it.value());
         _ownerConnections.erase(it);

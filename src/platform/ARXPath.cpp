@@ -171,10 +171,10 @@ QString toStoredText(std::string_view path) {
 }
 
 Path fromStoredText(const QString& text) {
-    if (text.startsWith(u'/')) {
-        return fromText(text);
+    if (text.startsWith(QStringLiteral("file://"), Qt::CaseInsensitive)) {
+        return fromFileURL(text);
     }
-    return fromFileURL(text);
+    return fromText(text);
 }
 
 } // namespace ARXPath

@@ -86,9 +86,15 @@ void overrideHomeForTesting(const Path& home) {
     gHome = ARXPath::normalized(home);
 }
 
-Path configHome() { return fromEnvironment("XDG_CONFIG_HOME", ".config"); }
-Path dataHome() { return fromEnvironment("XDG_DATA_HOME", ".local/share"); }
-Path cacheHome() { return fromEnvironment("XDG_CACHE_HOME", ".cache"); }
+Path configHome() {
+    return fromEnvironment("XDG_CONFIG_HOME", ".config");
+}
+Path dataHome() {
+    return fromEnvironment("XDG_DATA_HOME", ".local/share");
+}
+Path cacheHome() {
+    return fromEnvironment("XDG_CACHE_HOME", ".cache");
+}
 
 Path userDirectory(const char* kind) {
     const std::string key = std::string("XDG_") + kind + "_DIR=";
@@ -115,8 +121,9 @@ Path userDirectory(const char* kind) {
     static const struct {
         const char* kind;
         const char* folder;
-    } kDefaults[] = {{"DESKTOP", "Desktop"},     {"DOWNLOAD", "Downloads"}, {"DOCUMENTS", "Documents"},
-                     {"VIDEOS", "Videos"},       {"MUSIC", "Music"},        {"PICTURES", "Pictures"},
+    } kDefaults[] = {{"DESKTOP", "Desktop"},     {"DOWNLOAD", "Downloads"},
+                     {"DOCUMENTS", "Documents"}, {"VIDEOS", "Videos"},
+                     {"MUSIC", "Music"},         {"PICTURES", "Pictures"},
                      {"TEMPLATES", "Templates"}, {"PUBLICSHARE", "Public"}};
     for (const auto& entry : kDefaults) {
         if (std::strcmp(entry.kind, kind) == 0) {
