@@ -3,23 +3,50 @@
 #include <QApplication>
 #include <QCommandLineParser>
 
-int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Atrium"));
-    QApplication::setApplicationVersion(QStringLiteral(ATRIUM_VERSION));
-    QApplication::setOrganizationDomain(QStringLiteral("brightmoor.com"));
-    QApplication::setDesktopFileName(QStringLiteral("com.brightmoor.atrium"));
+#include <cstring>
 
-    QCommandLineParser parser;
+namespace {
+
+void describe(QCoreApplication& app, QCommandLineParser& parser) {
+    QCoreApplication::setApplicationName(QStringLiteral("Atrium"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ATRIUM_VERSION));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("brightmoor.com"));
     parser.setApplicationDescription(
-        QApplication::translate("Atrium", "A file manager built around workspaces."));
+        QCoreApplication::translate("Atrium", "A file manager built around workspaces."));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(
         QStringLiteral("path"),
-        QApplication::translate("Atrium", "Folders to open, files to reveal."),
+        QCoreApplication::translate("Atrium", "Folders to open, files to reveal."),
         QStringLiteral("[PATH...]"));
     parser.process(app);
+}
+
+// --help and --version answer without a display, so they must not need the GUI application.
+bool asksForInformation(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const char* flag : {"-h", "--help", "-?", "--help-all", "-v", "--version"}) {
+            if (std::strcmp(argv[i], flag) == 0) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (asksForInformation(argc, argv)) {
+        QCoreApplication app(argc, argv);
+        QCommandLineParser parser;
+        describe(app, parser); // prints and exits
+        return 0;
+    }
+    QApplication app(argc, argv);
+    QApplication::setDesktopFileName(QStringLiteral("com.brightmoor.atrium"));
+    QCommandLineParser parser;
+    describe(app, parser);
 
     ARXAppDelegate delegate;
     delegate.applicationDidFinishLaunching();

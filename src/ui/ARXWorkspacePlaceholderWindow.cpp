@@ -13,6 +13,7 @@ ARXWorkspacePlaceholderWindow::ARXWorkspacePlaceholderWindow(const QString& name
     : QWidget(parent) {
     setWindowTitle(name);
     auto* layout = new QVBoxLayout(this);
+    layout->addStretch();
     auto* title = new QLabel(tr("Workspace “%1”").arg(name.toHtmlEscaped()), this);
     QFont font = title->font();
     font.setPointSizeF(font.pointSizeF() * 1.6);
@@ -24,6 +25,7 @@ ARXWorkspacePlaceholderWindow::ARXWorkspacePlaceholderWindow(const QString& name
         new QLabel(tr("Panes open at %1").arg(ARXPath::display(start).toHtmlEscaped()), this);
     detail->setAlignment(Qt::AlignCenter);
     layout->addWidget(detail);
+    layout->addStretch();
 
     const QRect available = QGuiApplication::primaryScreen()
                                 ? QGuiApplication::primaryScreen()->availableGeometry()
