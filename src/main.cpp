@@ -1,3 +1,4 @@
+#include "platform/ARXTerminationSignals.h"
 #include "ui/ARXAppDelegate.h"
 
 #include <QApplication>
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
     QCommandLineParser parser;
     describe(app, parser);
 
+    ARXTerminationSignals::quitApplicationOnTermination();
     ARXAppDelegate delegate;
     delegate.applicationDidFinishLaunching();
     return QApplication::exec();
