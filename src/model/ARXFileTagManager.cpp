@@ -1,0 +1,70 @@
+#include "model/ARXFileTagManager.h"
+
+#include "app/ARXConf.h"
+#include "app/ARXNotificationNames.h"
+#include "platform/ARXFileIO.h"
+#include "platform/ARXNotificationCenter.h"
+#include "platform/ARXResourceValues.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+const std::array<uint32_t, 8> ARXFileTagManager::colors = {0x000000, 0x9C9CA0, 0x5DCF64, 0xB370D5,
+                                                           0x438DF8, 0xF7CF51, 0xF86056, 0xF7A24C};
+
+const QStringList& ARXFileTagManager::labelNames() {
+    static const QStringList names = {QCoreApplication::translate("Atrium", "Gray"),
+                                      QCoreApplication::translate("Atrium", "Green"),
+                                      QCoreApplication::translate("Atrium", "Purple"),
+                                      QCoreApplication::translate("Atrium", "Blue"),
+                                      QCoreApplication::translate("Atrium", "Yellow"),
+                                      QCoreApplication::translate("Atrium", "Red"),
+                                      QCoreApplication::translate("Atrium", "Orange")};
+    return names;
+}
+
+ARXFileTagManager& ARXFileTagManager::shared() {
+    static ARXFileTagManager manager(ARXPath::join(ARXConf::dataRoot(), "tags.json"));
+    return manager;
+}
+
+ARXFileTagManager::ARXFileTagManager(Path tableFile) : _tableFile(std::move(tableFile)) {}
+
+void ARXFileTagManager::refresh() {
+    const ARXFileStatus status = ARXFileStatus::stat(_tableFile);
+    const ARXFileTime modified = status.exists ? status.modified : ARXFileTime{};
+    if (status.exists && _tableMTime == modified && !_tagColorIndexes.isEmpty()) {
+        return;
+    }
+    _tableMTime = modified;
+    _tagColorIndexes.clear();
+    // A missing or broken table leaves every tag without colour; nothing to tell the user.
+    const auto data = ARXFileIO::readFile(_tableFile, 4u << 20);
+    if (!data) {
+        return;
+    }
+    const QJsonDocument doc =
+        QJsonDocument::fromJson(QByteArray::fromRawData(data->data(), qsizetype(data->size())));
+    for (const QJsonValue& item : doc.array()) {
+        const QJsonObject entry = item.toObject();
+        const QJsonValue name = entry.value(QStringLiteral("n"));
+        const QJsonValue number = entry.value(QStringLiteral("l"));
+        if (!name.isString() || !number.isDouble()) {
+            continue;
+        }
+        _tagColorIndexes.insert(name.toString(), number.toInt());
+    }
+}
+
+int ARXFileTagManager::setTags(const Path& path, const QStringList& tags) {
+    if (int error = ARXResourceValues::setTags(path, tags)) {
+        return error;
+    }
+    ARXNotificationCenter::shared().post(ARXNotificationName::rv_file_tags_changed,
+                                         {{ARXNotificationKey::url, ARXPath::fileURLString(path)},
+                                          {ARXNotificationKey::path, ARXPath::toStoredText(path)},
+                                          {ARXNotificationKey::tags, tags}});
+    return 0;
+}

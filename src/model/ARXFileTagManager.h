@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/ARXFileStatus.h"
+#include "platform/ARXPath.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+// Tag colours and tag writing. Tags themselves live on the files (user.xdg.tags); the colour of a
+// tag comes from tags.json in the data root, a list of {"n": name, "l": colour number}, read again
+// only when its modification time changes, so that every reload of a view may call refresh().
+// Main thread only.
+class ARXFileTagManager {
+public:
+    static ARXFileTagManager& shared();
+
+    explicit ARXFileTagManager(Path tableFile);
+
+    // The seven label colours by number, as 0xRRGGBB; index 0 stands for no colour.
+    static const std::array<uint32_t, 8> colors;
+
+    // The names of the seven labels, for colour number 1 to 7.
+    static const QStringList& labelNames();
+
+    void refresh();
+
+    // A tag's colour number; 0 for a tag without colour.
+    int colorIndex(const QString& tag) const { return _tagColorIndexes.value(tag, 0); }
+
+    // Writes a file's tags (an empty list removes them) and posts "rv_file_tags_changed" with
+    // "url" (the file's URL) and "tags". On failure answers the errno and posts nothing; the caller
+    // shows the alert unless it was asked to stay silent.
+    int setTags(const Path& path, const QStringList& tags);
+
+    Path tableFile() const { return _tableFile; }
+
+private:
+    const Path _tableFile;
+    QHash<QString, int> _tagColorIndexes;
+    // Compared to the nanosecond, so a table rewritten within the same second is read again.
+    std::optional<ARXFileTime> _tableMTime;
+};
