@@ -11,8 +11,11 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-const std::array<uint32_t, 8> ARXFileTagManager::colors = {0x000000, 0x9C9CA0, 0x5DCF64, 0xB370D5,
-                                                           0x438DF8, 0xF7CF51, 0xF86056, 0xF7A24C};
+const std::vector<ARXTagColor>& ARXFileTagManager::colors() const {
+    static const std::vector<ARXTagColor> table = {0x000000, 0x9C9CA0, 0x5DCF64, 0xB370D5,
+                                                   0x438DF8, 0xF7CF51, 0xF86056, 0xF7A24C};
+    return table;
+}
 
 const QStringList& ARXFileTagManager::labelNames() {
     static const QStringList names = {QCoreApplication::translate("Atrium", "Gray"),
@@ -25,8 +28,14 @@ const QStringList& ARXFileTagManager::labelNames() {
     return names;
 }
 
-ARXFileTagManager& ARXFileTagManager::shared() {
-    static ARXFileTagManager manager(ARXPath::join(ARXConf::dataRoot(), "tags.json"));
+std::shared_ptr<ARXFileTagManager> ARXFileTagManager::shared() {
+    static const std::shared_ptr<ARXFileTagManager> manager = [] {
+        auto m =
+            std::make_shared<ARXFileTagManager>(ARXPath::join(ARXConf::dataRoot(), "tags.json"));
+        m->refresh();
+        ARXTagColorSource::install(m);
+        return m;
+    }();
     return manager;
 }
 

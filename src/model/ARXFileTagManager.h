@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/ARXTagColorSource.h"
 #include "platform/ARXFileStatus.h"
 #include "platform/ARXPath.h"
 
@@ -7,7 +8,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -15,14 +15,13 @@
 // tag comes from tags.json in the data root, a list of {"n": name, "l": colour number}, read again
 // only when its modification time changes, so that every reload of a view may call refresh().
 // Main thread only.
-class ARXFileTagManager {
+class ARXFileTagManager : public ARXTagColorSource {
 public:
-    static ARXFileTagManager& shared();
+    static std::shared_ptr<ARXFileTagManager> shared();
 
     explicit ARXFileTagManager(Path tableFile);
 
-    // The seven label colours by number, as 0xRRGGBB; index 0 stands for no colour.
-    static const std::array<uint32_t, 8> colors;
+    // The shared manager, installed as the entries' colour source on first use.
 
     // The names of the seven labels, for colour number 1 to 7.
     static const QStringList& labelNames();
@@ -30,7 +29,10 @@ public:
     void refresh();
 
     // A tag's colour number; 0 for a tag without colour.
-    int colorIndex(const QString& tag) const { return _tagColorIndexes.value(tag, 0); }
+    int colorIndex(const QString& tag) const override { return _tagColorIndexes.value(tag, 0); }
+
+    // The seven label colours by number, as 0xRRGGBB; index 0 stands for no colour.
+    const std::vector<ARXTagColor>& colors() const override;
 
     // Writes a file's tags (an empty list removes them) and posts "rv_file_tags_changed" with
     // "url" (the file's URL) and "tags". On failure answers the errno and posts nothing; the caller

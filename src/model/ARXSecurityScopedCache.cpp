@@ -4,6 +4,7 @@
 #include "app/ARXDataCenter.h"
 #include "app/ARXNotificationNames.h"
 #include "app/ARXPathRules.h"
+#include "model/ARXFileTagManager.h"
 #include "platform/ARXFileIO.h"
 #include "platform/ARXNotificationCenter.h"
 #include "platform/ARXSystemPaths.h"
@@ -35,7 +36,12 @@ bool liesBelow(const Path& folder, const Path& path) {
 } // namespace
 
 ARXSecurityScopedCache& ARXSecurityScopedCache::shared() {
-    static ARXSecurityScopedCache cache(std::make_unique<SystemBookmarkBackend>());
+    static ARXSecurityScopedCache cache = [] {
+        ARXSecurityScopedCache c(std::make_unique<SystemBookmarkBackend>());
+        // Files in the home folder that were unreadable before the grant are read again.
+        c.setHomeGrantedHandler([] { ARXFileTagManager::shared()->refresh(); });
+        return c;
+    }();
     return cache;
 }
 

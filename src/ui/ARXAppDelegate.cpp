@@ -4,6 +4,7 @@
 #include "app/ARXDataCenter.h"
 #include "app/ARXRestorePlan.h"
 #include "model/ARXEntryPointManager.h"
+#include "model/ARXFileTagManager.h"
 #include "platform/ARXMainQueue.h"
 #include "ui/ARXAppearance.h"
 #include "ui/ARXWorkspacePlaceholderWindow.h"
@@ -15,6 +16,7 @@ void ARXAppDelegate::applicationDidFinishLaunching() {
     // The services start in this order; each loads its own files at first use. Analytics, the
     // application index, hotkeys and quick launchers join here as they arrive.
     ARXEntryPointManager::shared().refreshHomePoints();
+    ARXFileTagManager::shared(); // tag colours for every entry
     restoreWorkspaces();
 }
 

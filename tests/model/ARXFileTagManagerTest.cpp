@@ -1,6 +1,7 @@
 #include "model/ARXFileTagManager.h"
 
 #include "app/ARXNotificationNames.h"
+#include "model/ARXFileEntry.h"
 #include "platform/ARXNotificationCenter.h"
 #include "platform/ARXResourceValues.h"
 #include "support/ARXTestEnvironment.h"
@@ -29,7 +30,7 @@ TEST_F(ARXFileTagManagerTest, ReadsColourNumbersAndSkipsIncompleteEntries) {
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Plain")), 0);
     EXPECT_EQ(manager.colorIndex(QStringLiteral("NoNumber")), 0);
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Unknown")), 0);
-    EXPECT_EQ(ARXFileTagManager::colors[4], 0x438DF8u);
+    EXPECT_EQ(manager.colors()[4], 0x438DF8u);
     EXPECT_EQ(ARXFileTagManager::labelNames().size(), 7);
 }
 
@@ -83,4 +84,19 @@ TEST_F(ARXFileTagManagerTest, SetTagsWritesAndAnnouncesOnlyOnSuccess) {
 
     EXPECT_NE(manager.setTags(ARXPath::join(root(), "missing"), tags), 0);
     EXPECT_EQ(posts, 1);
+}
+
+TEST_F(ARXFileTagManagerTest, TheSharedManagerColoursEntriesFromTheDataRootTable) {
+    writeFile(dataHome() + "/Atrium/tags.json",
+              R"([{"n": "Work", "l": 4}, {"n": "Home", "l": 2}])");
+    const Path file = ARXPath::join(root(), "tagged");
+    writeFile(file, "x");
+    if (ARXResourceValues::setTags(file, {QStringLiteral("Home"), QStringLiteral("Odd"),
+                                          QStringLiteral("Work")}) == ENOTSUP) {
+        GTEST_SKIP() << "this file system keeps no user extended attributes";
+    }
+    ARXFileTagManager::shared();
+    const ARXFileEntryRef entry = ARXFileEntry::create(file);
+    // The first tag's colour is drawn last, on top.
+    EXPECT_EQ(entry->tagColors(), (std::vector<ARXTagColor>{0x438DF8, 0x5DCF64}));
 }
