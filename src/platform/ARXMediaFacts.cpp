@@ -1,15 +1,10 @@
 #include "platform/ARXMediaFacts.h"
 
+#include "platform/ARXFFmpeg.h"
 #include "platform/ARXFileDescriptor.h"
 
 #include <QFile>
 #include <QImageReader>
-
-extern "C" {
-#include <libavformat/avformat.h>
-#include <libavutil/display.h>
-#include <libavutil/log.h>
-}
 
 #include <cerrno>
 #include <chrono>
@@ -95,9 +90,8 @@ int refuseNestedOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictio
     return AVERROR(EPERM);
 }
 
-void quietFFmpeg() {
-    static std::once_flag once;
-    std::call_once(once, [] { av_log_set_level(AV_LOG_QUIET); });
+const ARXFFmpeg& ffmpeg() {
+    return *ARXFFmpeg::get();
 }
 
 // Frees what avformat_open_input leaves to the caller with custom I/O.
@@ -105,24 +99,25 @@ struct Demuxer {
     AVFormatContext* context = nullptr;
     AVIOContext* io = nullptr;
     ~Demuxer() {
-        avformat_close_input(&context);
+        ffmpeg().avformat_close_input(&context);
         if (io) {
-            av_freep(&io->buffer);
-            avio_context_free(&io);
+            ffmpeg().av_freep(&io->buffer);
+            ffmpeg().avio_context_free(&io);
         }
     }
 };
 
 const int32_t* displayMatrix(const AVStream* stream) {
 #if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102)
-    const AVPacketSideData* data =
-        av_packet_side_data_get(stream->codecpar->coded_side_data,
-                                stream->codecpar->nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    const AVPacketSideData* data = ffmpeg().av_packet_side_data_get(
+        stream->codecpar->coded_side_data, stream->codecpar->nb_coded_side_data,
+        AV_PKT_DATA_DISPLAYMATRIX);
     return data && data->size >= 9 * sizeof(int32_t) ? reinterpret_cast<const int32_t*>(data->data)
                                                      : nullptr;
 #else
     size_t size = 0;
-    const uint8_t* data = av_stream_get_side_data(stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+    const uint8_t* data =
+        ffmpeg().av_stream_get_side_data(stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
     return data && size >= 9 * sizeof(int32_t) ? reinterpret_cast<const int32_t*>(data) : nullptr;
 #endif
 }
@@ -140,7 +135,7 @@ std::optional<ARXPixelSize> videoSize(const AVFormatContext* context) {
         ARXPixelSize size{codec->width, codec->height};
         // Phones store portrait video as landscape frames plus a rotation to apply on playback.
         if (const int32_t* matrix = displayMatrix(stream)) {
-            const double rotation = av_display_rotation_get(matrix);
+            const double rotation = ffmpeg().av_display_rotation_get(matrix);
             if (std::isfinite(rotation) && std::lround(std::fabs(rotation)) % 180 == 90) {
                 std::swap(size.width, size.height);
             }
@@ -196,7 +191,9 @@ std::optional<ARXPixelSize> imageSize(const Path& path) {
 }
 
 ARXMediaInfo probe(const Path& path) {
-    quietFFmpeg();
+    if (!ARXFFmpeg::get()) {
+        return {};
+    }
     ARXFileDescriptor fd = ARXFileDescriptor::openRegularFile(path);
     struct stat st {};
     if (!fd.isValid() || ::fstat(fd.get(), &st) != 0) {
@@ -208,17 +205,17 @@ ARXMediaInfo probe(const Path& path) {
     source.deadline = Clock::now() + std::chrono::milliseconds(kProbeTimeLimitMs);
 
     Demuxer demuxer;
-    auto* buffer = static_cast<unsigned char*>(av_malloc(kIOBufferBytes));
+    auto* buffer = static_cast<unsigned char*>(ffmpeg().av_malloc(kIOBufferBytes));
     if (!buffer) {
         return {};
     }
-    demuxer.io =
-        avio_alloc_context(buffer, kIOBufferBytes, 0, &source, readPacket, nullptr, seekTo);
+    demuxer.io = ffmpeg().avio_alloc_context(buffer, kIOBufferBytes, 0, &source, readPacket,
+                                             nullptr, seekTo);
     if (!demuxer.io) {
-        av_free(buffer);
+        ffmpeg().av_free(buffer);
         return {};
     }
-    AVFormatContext* context = avformat_alloc_context();
+    AVFormatContext* context = ffmpeg().avformat_alloc_context();
     if (!context) {
         return {};
     }
@@ -234,11 +231,11 @@ ARXMediaInfo probe(const Path& path) {
     const std::string extension = ARXPath::extension(ARXPath::lastComponent(path));
     const std::string hint = extension.empty() ? std::string("media") : "media." + extension;
     // On failure avformat_open_input frees the context; the I/O context stays ours.
-    if (avformat_open_input(&context, hint.c_str(), nullptr, nullptr) != 0) {
+    if (ffmpeg().avformat_open_input(&context, hint.c_str(), nullptr, nullptr) != 0) {
         return {};
     }
     demuxer.context = context;
-    if (avformat_find_stream_info(context, nullptr) < 0 && context->nb_streams == 0) {
+    if (ffmpeg().avformat_find_stream_info(context, nullptr) < 0 && context->nb_streams == 0) {
         return {};
     }
     ARXMediaInfo info;
