@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/ARXFileOperationItem.h"
+#include "model/ARXOptionalSeconds.h"
 #include "model/ARXSpaceViewTypes.h"
 #include "model/ARXTagColorSource.h"
 #include "platform/ARXFileError.h"
@@ -11,6 +12,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -49,7 +51,7 @@ struct ARXFileEntryDuplicates {
 //
 // Questions about "the item behind a link" (is it a folder, what type, its listing, its media
 // facts) go to the link's target when there is one (`target()`); the link entry holds the
-// children. Main thread only, except that `removePaths` and `addChild` lock the entry.
+// children. Main thread only, except that `removePaths` and `addChild` take the tree lock.
 class ARXFileEntry : public std::enable_shared_from_this<ARXFileEntry> {
     struct Token {
         explicit Token() = default;
@@ -100,7 +102,7 @@ public:
     ARXFileType type = ARXFileType::regular;
     uint64_t size = 0;
     // The last status change (ctime), in seconds since 1970: what "Date Created" shows and sorts.
-    std::optional<double> creationDate;
+    ARXOptionalSeconds creationDate;
     // While this entry stands for an item of a running operation (a placeholder).
     ARXFileOperationItemRef operation;
     // Tag names; none when none could be read.
@@ -228,8 +230,12 @@ private:
     // Everything a read learns from one status of the item itself (links not followed).
     bool readAttributes(const ARXFileStatus& linkStatus, const ARXHiddenList* hiddenList);
     // A child from a listing whose status was already read, reading the rest of its attributes.
-    ARXFileEntryRef makeListedChild(const Path& folder, ARXDirectoryItem& item,
-                                    const ARXHiddenList& hiddenList);
+    ARXFileEntryRef makeListedChild(const Path& folder, std::string_view name,
+                                    const ARXFileStatus& status, const ARXHiddenList& hiddenList);
+    // Makes a child for every item of `folder` that `skip` lets through, in listing order.
+    // Returns 0 or the errno that stopped the listing (the children are then incomplete).
+    int listFolder(const Path& folder, const ARXHiddenList& hiddenList,
+                   const std::function<bool(std::string_view)>& skip, ARXFileEntryList& children);
     // A child for a path, read from the file system.
     ARXFileEntryRef makeChild(const Path& path);
     void replaceChildren(ARXFileEntryList children);
@@ -238,20 +244,23 @@ private:
     Media& media();
     // The natural-order key of displayName(), computed once and kept until the name changes.
     const std::string& sortKey();
+    // The lock of removePaths and addChild, recursive since both walk down the tree.
+    static std::recursive_mutex& treeMutex();
+    // Makes the missing keys of a large group ahead of a sort, on two threads.
+    static void prepareSortKeys(ARXFileEntryList& entries);
 
     Path _path;
     std::weak_ptr<ARXFileEntry> _parent;
     std::optional<QString> _localName;
     ARXFileEntryRef _link;
-    std::optional<double> _modifiedDate;
-    std::optional<double> _accessDate;
-    std::optional<double> _addedDate;
+    ARXOptionalSeconds _modifiedDate;
+    ARXOptionalSeconds _accessDate;
+    ARXOptionalSeconds _addedDate;
     std::optional<ARXFileTime> _loaded_modified_time;
     std::unique_ptr<Media> _media;
     ARXFileEntryList _children;
     ARXFileEntryList _folderChildren;
     std::string _sortKey; // empty until computed
-    std::recursive_mutex _mutex;
     bool _isFolder = false;
     bool _preparedFolderChildren = false;
     bool _hiddenVisible = false;

@@ -12,36 +12,33 @@
 #include <algorithm>
 #include <unordered_set>
 
-namespace {
-
-// Reads the names of `folder` and the status of each (links not followed), leaving out the names
-// `skip` refuses. Returns 0 or the errno that stopped the listing. A name that vanished between
-// the listing and its status read stays, marked as gone.
-template <typename Skip>
-int readFolder(const Path& folder, std::vector<ARXDirectoryItem>& items, Skip skip) {
-    ARXDirectoryListing listing = ARXDirectoryReader::list(folder);
-    if (!listing.ok()) {
-        return listing.error;
-    }
-    std::erase_if(listing.items, skip);
-    if (const int error = ARXDirectoryReader::statItems(folder, listing.items); error != 0) {
-        return error;
-    }
-    items = std::move(listing.items);
-    return 0;
+std::recursive_mutex& ARXFileEntry::treeMutex() {
+    // One lock for all trees rather than one per entry: the two operations it guards are rare and
+    // short, a per-entry mutex would cost 40 bytes on each of 100,000 listed entries, and with a
+    // single lock no two threads can ever take locks in opposite orders.
+    static std::recursive_mutex mutex;
+    return mutex;
 }
 
-} // namespace
-
-ARXFileEntryRef ARXFileEntry::makeListedChild(const Path& folder, ARXDirectoryItem& item,
+ARXFileEntryRef ARXFileEntry::makeListedChild(const Path& folder, std::string_view name,
+                                              const ARXFileStatus& status,
                                               const ARXHiddenList& hiddenList) {
     auto child =
-        std::make_shared<ARXFileEntry>(Token{}, ARXPath::join(folder, item.name), _hiddenVisible);
+        std::make_shared<ARXFileEntry>(Token{}, ARXPath::join(folder, name), _hiddenVisible);
     child->adoptParent(shared_from_this());
     child->tags = ARXResourceValues::readTags(child->_path);
-    child->readAttributes(item.status ? *item.status : ARXFileStatus::lstat(child->_path),
-                          &hiddenList);
+    child->readAttributes(status, &hiddenList);
     return child;
+}
+
+int ARXFileEntry::listFolder(const Path& folder, const ARXHiddenList& hiddenList,
+                             const std::function<bool(std::string_view)>& skip,
+                             ARXFileEntryList& children) {
+    // Each child is made as its name is read: nothing holds the whole listing twice.
+    return ARXDirectoryReader::forEachWithStatus(
+        folder, skip, [&](std::string_view name, const ARXFileStatus& status) {
+            children.push_back(makeListedChild(folder, name, status, hiddenList));
+        });
 }
 
 void ARXFileEntry::replaceChildren(ARXFileEntryList children) {
@@ -74,20 +71,15 @@ bool ARXFileEntry::prepare(bool force) {
     const ARXHiddenList hiddenList = ARXHiddenList::load(folder);
     // A cloud folder lists its hidden placeholders so that the filter below can keep them.
     const bool skipHidden = !isUbiquitous && !_hiddenVisible;
-    std::vector<ARXDirectoryItem> items;
-    const int error = readFolder(folder, items, [&](const ARXDirectoryItem& item) {
-        return skipHidden && hiddenList.isHidden(item.name);
-    });
+    ARXFileEntryList children;
+    const int error = listFolder(
+        folder, hiddenList,
+        [&](std::string_view name) { return skipHidden && hiddenList.isHidden(name); }, children);
     if (error != 0) {
         prepareError = std::make_unique<ARXFileError>(ARXFileError::fromErrno(error, folder));
         return false;
     }
-
-    ARXFileEntryList children;
-    children.reserve(items.size());
-    for (ARXDirectoryItem& item : items) {
-        children.push_back(makeListedChild(folder, item, hiddenList));
-    }
+    children.shrink_to_fit();
     replaceChildren(std::move(children));
 
     if (isUbiquitous && !_hiddenVisible) {
@@ -129,22 +121,18 @@ void ARXFileEntry::revealHidden() {
 
     const Path folder = target()._path;
     const ARXHiddenList hiddenList = ARXHiddenList::load(folder);
-    std::vector<ARXDirectoryItem> items;
-    const int error = readFolder(folder, items, [&](const ARXDirectoryItem& item) {
-        return present.contains(ARXPath::join(folder, item.name));
-    });
+    ARXFileEntryList added;
+    const int error = listFolder(
+        folder, hiddenList,
+        [&](std::string_view name) { return present.contains(ARXPath::join(folder, name)); },
+        added);
     if (error != 0) {
         ARXConsole::line(QStringLiteral("Atrium: cannot list hidden items: %1")
                              .arg(ARXFileError::fromErrno(error, folder).text()));
         return;
     }
-    if (items.empty()) {
+    if (added.empty()) {
         return;
-    }
-    ARXFileEntryList added;
-    added.reserve(items.size());
-    for (ARXDirectoryItem& item : items) {
-        added.push_back(makeListedChild(folder, item, hiddenList));
     }
     appendChildren(std::move(added));
     sort(sortColumn, sortAscend, sortFoldersOnTop);
@@ -173,7 +161,7 @@ size_t ARXFileEntry::removePaths(const std::vector<Path>& paths) {
 }
 
 size_t ARXFileEntry::removePathsLocked(const std::vector<Path>& sortedPaths) {
-    std::lock_guard lock(_mutex);
+    std::lock_guard lock(treeMutex());
     size_t count = 0;
     ARXFileEntryList kept;
     kept.reserve(_children.size());
@@ -192,7 +180,7 @@ size_t ARXFileEntry::removePathsLocked(const std::vector<Path>& sortedPaths) {
 }
 
 ARXFileEntryRef ARXFileEntry::addChild(const Path& path) {
-    std::lock_guard lock(_mutex);
+    std::lock_guard lock(treeMutex());
     const ARXFileEntryRef folder = find(ARXPath::parentPath(path));
     if (!folder || !folder->expanded) {
         return nullptr;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <thread>
 
 namespace {
 
@@ -66,7 +67,29 @@ void sortFilesByKind(ARXFileEntryList& group, NameKeyOf nameKeyOf, InOrder inOrd
         });
 }
 
+// Below this many children the keys are made on the spot; above it the work is shared with a
+// second thread, which halves the time of the first name sort of a large folder (one collation
+// key per name is most of it). The keys are plain per-entry values, so the threads never touch
+// the same entry, and the sort waits for both.
+constexpr size_t kParallelKeyThreshold = 4096;
+
 } // namespace
+
+void ARXFileEntry::prepareSortKeys(ARXFileEntryList& entries) {
+    if (entries.size() < kParallelKeyThreshold) {
+        return; // made lazily by the sort itself
+    }
+    const size_t half = entries.size() / 2;
+    std::thread helper([&entries, half] {
+        for (size_t i = half; i < entries.size(); ++i) {
+            entries[i]->sortKey();
+        }
+    });
+    for (size_t i = 0; i < half; ++i) {
+        entries[i]->sortKey();
+    }
+    helper.join();
+}
 
 const std::string& ARXFileEntry::sortKey() {
     if (_sortKey.empty()) {
@@ -89,6 +112,7 @@ void ARXFileEntry::sort(ARXSpaceViewColumnId column, bool ascend, bool foldersOn
     const auto inOrder = [ascend](const auto& a, const auto& b) { return ascend ? a < b : b < a; };
     const auto nameKey = [](ARXFileEntry& e) { return &e.sortKey(); };
     const auto byName = [&](ARXFileEntryList& group) {
+        prepareSortKeys(group);
         stableSortBy(group, nameKey,
                      [&](const std::string* a, const std::string* b) { return inOrder(*a, *b); });
     };
@@ -134,6 +158,7 @@ void ARXFileEntry::sort(ARXSpaceViewColumnId column, bool ascend, bool foldersOn
         // Folders by name. Files by extension, and that comparison runs the other way round from
         // the names (Z to A when ascending); within one extension, by name in the normal way.
         byName(first);
+        prepareSortKeys(second);
         sortFilesByKind(second, nameKey, inOrder);
         break;
     case ARXSpaceViewColumnId::lastOpened:

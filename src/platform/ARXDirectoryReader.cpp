@@ -44,8 +44,9 @@ ARXFileDescriptor openFolder(const Path& folder, int flags, int* error) {
     return fd;
 }
 
-// Calls visit for every entry but "." and "..". Returns 0 or the errno that stopped the walk.
-int readEntries(const Path& folder, const std::function<void(const dirent&)>& visit) {
+// Calls visit for every entry but "." and "..", with the folder's descriptor for reads relative
+// to it. Returns 0 or the errno that stopped the walk.
+int readEntries(const Path& folder, const std::function<void(const dirent&, int)>& visit) {
     int error = 0;
     ARXFileDescriptor fd = openFolder(folder, O_RDONLY, &error);
     if (!fd.isValid()) {
@@ -65,7 +66,7 @@ int readEntries(const Path& folder, const std::function<void(const dirent&)>& vi
             break;
         }
         if (!isDotOrDotDot(entry->d_name)) {
-            visit(*entry);
+            visit(*entry, ::dirfd(handle));
         }
     }
     ::closedir(handle);
@@ -80,7 +81,7 @@ ARXDirectoryListing list(const Path& folder, Options options) {
     if (options.skipHidden) {
         hidden = ARXHiddenList::load(folder);
     }
-    listing.error = readEntries(folder, [&](const dirent& entry) {
+    listing.error = readEntries(folder, [&](const dirent& entry, int) {
         if (hidden && hidden->isHidden(entry.d_name)) {
             return;
         }
@@ -103,6 +104,18 @@ ARXDirectoryListing listWithStatus(const Path& folder, Options options) {
     return listing;
 }
 
+int forEachWithStatus(const Path& folder, const std::function<bool(std::string_view)>& skip,
+                      const std::function<void(std::string_view, const ARXFileStatus&)>& visit) {
+    std::string name;
+    return readEntries(folder, [&](const dirent& entry, int dirFd) {
+        if (skip && skip(entry.d_name)) {
+            return;
+        }
+        name.assign(entry.d_name);
+        visit(name, ARXFileStatus::statAt(dirFd, name, false));
+    });
+}
+
 int statItems(const Path& folder, std::vector<ARXDirectoryItem>& items) {
     // Status reads need only search permission on the folder, not read permission: O_PATH.
     int error = 0;
@@ -118,7 +131,7 @@ int statItems(const Path& folder, std::vector<ARXDirectoryItem>& items) {
 
 std::optional<size_t> itemCount(const Path& folder, int* error) {
     size_t count = 0;
-    const int result = readEntries(folder, [&](const dirent&) { ++count; });
+    const int result = readEntries(folder, [&](const dirent&, int) { ++count; });
     if (result != 0) {
         if (error) {
             *error = result;

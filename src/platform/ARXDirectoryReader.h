@@ -3,6 +3,7 @@
 #include "platform/ARXFileStatus.h"
 #include "platform/ARXPath.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,6 +46,14 @@ ARXDirectoryListing list(const Path& folder, Options options = {});
 
 // list() and then statItems(): every item with its own status.
 ARXDirectoryListing listWithStatus(const Path& folder, Options options = {});
+
+// Walks the folder and reads each item's status as it goes (links not followed), so that a
+// listing of 100,000 names never holds them all at once: the caller keeps what it needs. Items
+// for which skip answers true are passed over without a status read. An item that vanished
+// between the two reads comes with a status whose `exists` is false. Returns 0 or the errno that
+// stopped the walk; the caller must then drop what it collected, since it is incomplete.
+int forEachWithStatus(const Path& folder, const std::function<bool(std::string_view)>& skip,
+                      const std::function<void(std::string_view, const ARXFileStatus&)>& visit);
 
 // Reads the status of each item of an earlier listing of `folder`, relative to the folder's
 // descriptor and without following links. An item that is gone by now is kept and marked
