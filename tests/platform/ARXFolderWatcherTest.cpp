@@ -103,6 +103,18 @@ TEST_F(ARXFolderWatcherTest, ABurstIsOneNoticePerPathInOrder) {
     EXPECT_EQ(noticesUntil(last), (std::vector<std::string>{changed(a), changed(b), last}));
 }
 
+TEST_F(ARXFolderWatcherTest, ABurstOfAThousandCreationsReportsEachNewItemOnce) {
+    std::vector<std::string> expected;
+    for (int i = 0; i < 1000; ++i) {
+        const Path file = in("new " + std::to_string(i));
+        append(file, "x");
+        expected.push_back(changed(file));
+    }
+    const std::string last = marker();
+    expected.push_back(last);
+    EXPECT_EQ(noticesUntil(last), expected);
+}
+
 TEST_F(ARXFolderWatcherTest, RenamesAreMovesWithinTheWatchedFolders) {
     const Path a = in("a");
     append(a, "x");
