@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/ARXPath.h"
+
+#include <QString>
+
+#include <functional>
+
+// The answer to "the target already exists" for one item or, with applyToAll, for every later
+// conflict of the batch. Raw values are stable.
+enum class ARXFileOperationConflictAction : uint8_t {
+    notselected = 0,
+    replace = 1,
+    skip = 2,
+    keepBoth = 3,
+    stop = 4,
+};
+
+// What the conflict dialog shows for one item.
+struct ARXConflictQuestion {
+    Path from;           // the item whose icon the dialog shows
+    QString name;        // last path component of `from`
+    QString note;        // "The target already exists!" or its refined form
+    bool single = false; // the last item of the batch: no "Apply to All"
+};
+
+// The progress sheet's state after a tick.
+struct ARXSheetUpdate {
+    Path from;     // the current item, for its icon
+    QString title; // "Copying “name”..."
+    double value = 0;
+    double maximum = 0;
+};
+
+enum class ARXAlertStyle : uint8_t { informational, warning, critical };
+
+// How the operation engine, the undo recorder and renames speak to the user. The widgets (sheet,
+// conflict dialog, alerts, toasts) implement it; tests implement it in code and answer at once.
+// Every call comes on the main thread. The engine never waits inside a call: answers come back
+// through the callbacks, which the presenter calls on the main thread, once.
+class ARXOperationPresenter {
+public:
+    virtual ~ARXOperationPresenter() = default;
+
+    // The sheet of a batch appears (before the first update) and goes (dismiss).
+    virtual void presentSheet() = 0;
+    virtual void updateSheet(const ARXSheetUpdate& update) = 0;
+    virtual void dismissSheet() = 0;
+
+    // The modal conflict dialog; it must be answered.
+    virtual void
+    askConflict(const ARXConflictQuestion& question,
+                std::function<void(ARXFileOperationConflictAction, bool applyToAll)> answer) = 0;
+
+    // A blocking alert with one button "OK".
+    virtual void showAlert(ARXAlertStyle style, const QString& message,
+                           const QString& informativeText) = 0;
+
+    // A short transient message in the main window.
+    virtual void showToast(const QString& text) = 0;
+
+    // The presenter in effect for batches started without one of their own (undo and redo
+    // batches use the main window's). Null until the application sets one; with none, nothing is
+    // shown and batches still run.
+    static ARXOperationPresenter* main();
+    static void setMain(ARXOperationPresenter* presenter);
+};
