@@ -1,0 +1,62 @@
+#include "ops/ARXFileLayer.h"
+
+#include "app/ARXNotificationNames.h"
+#include "ops/ARXCloudTrash.h"
+#include "platform/ARXFileOperations.h"
+#include "platform/ARXMainQueue.h"
+#include "platform/ARXNotificationCenter.h"
+
+namespace ARXFileLayer {
+
+namespace {
+
+// Through the main queue also from the main thread: a caller such as a rename updates its own
+// entry once the call has returned, and observers must hear of the change after that.
+void postLater(const QString& name, const QVariantMap& userInfo) {
+    ARXMainQueue::async([name, userInfo] { ARXNotificationCenter::shared().post(name, userInfo); });
+}
+
+void postChanged(const Path& path) {
+    postLater(ARXNotificationName::rv_file_changed,
+              {{ARXNotificationKey::path, ARXPath::toStoredText(path)}});
+}
+
+void postMoved(const Path& source, const Path& target) {
+    postLater(ARXNotificationName::rv_file_moved,
+              {{ARXNotificationKey::source, ARXPath::toStoredText(source)},
+               {ARXNotificationKey::target, ARXPath::toStoredText(target)}});
+}
+
+} // namespace
+
+void copyFile(const Path& from, const Path& to) {
+    ARXFileOperations::copyItem(from, to);
+    postChanged(to);
+}
+
+void moveFile(const Path& from, const Path& to) {
+    ARXFileOperations::moveItem(from, to);
+    postMoved(from, to);
+}
+
+void removeFile(const Path& path) {
+    ARXFileOperations::removeItem(path);
+    postChanged(path);
+}
+
+void replaceFile(const Path& existing, const Path& with) {
+    ARXFileOperations::replaceItemSafely(existing, with);
+    postMoved(with, existing);
+}
+
+std::optional<Path> trashFile(const Path& path) {
+    const std::optional<Path> trashed = ARXCloudTrash::isUbiquitous(path)
+                                            ? ARXCloudTrash::trashItem(path)
+                                            : ARXFileOperations::trashItem(path);
+    if (trashed) {
+        postChanged(path);
+    }
+    return trashed;
+}
+
+} // namespace ARXFileLayer

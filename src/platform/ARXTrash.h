@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/ARXPath.h"
+
+#include <ctime>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The desktop's trash, shared with every other program that follows the freedesktop.org Trash
+// specification. A trash folder holds "files/" (the items, under unique names) and "info/" (for
+// each item NAME a "NAME.trashinfo" that says where it came from and when).
+//
+// Which trash an item goes to: the home trash ($XDG_DATA_HOME/Trash) when the item lies on the
+// same mount; otherwise a trash at the top of the item's mount, "$topdir/.Trash/$uid" when the
+// administrator made "$topdir/.Trash" (a real folder, not a link, with the sticky bit), else
+// "$topdir/.Trash-$uid". Missing folders are made for the user alone (0700). An item is only ever
+// renamed into a trash: when no trash on its own mount can be used it is refused, never copied.
+namespace ARXTrash {
+
+// $XDG_DATA_HOME/Trash.
+Path homeTrash();
+
+// Moves the item into its trash and answers its path there, under "files/". The info file is
+// made first, with O_EXCL, so that two programs trashing at once can never pick the same name:
+// "NAME", then "NAME.2", "NAME.3", ... (names too long for the info file's suffix are shortened).
+// If the item cannot be moved, its info file is removed again. Throws ARXFileError.
+Path trashItem(const Path& path);
+
+// The info file that belongs to an item in a trash ("…/files/NAME" -> "…/info/NAME.trashinfo"),
+// for whoever takes the item back out; nullopt for a path that is not directly in "files/".
+std::optional<Path> infoFileFor(const Path& trashedItem);
+
+// This user's trash folders that exist: the home trash and those at the given mount points.
+std::vector<Path> trashFolders(const std::vector<Path>& volumeRoots);
+
+// Empties "files/" and "info/" of every folder trashFolders gives (and drops the
+// "directorysizes" cache beside them). Read-only folders of the user's own in the trash are made
+// writable so that they can be emptied. Goes on past an item that cannot be removed and throws
+// the first such failure at the end.
+void emptyTrash(const std::vector<Path>& volumeRoots);
+
+// The mount points of the mounted file systems that may hold files, pseudo file systems left
+// out, read from the kernel's table (safe on any thread).
+std::vector<Path> mountedVolumeRoots();
+
+// The value of "Path=": the bytes percent-encoded as in a URL path, "/" kept.
+std::string encodePath(std::string_view path);
+Path decodePath(std::string_view value);
+
+// The whole text of an info file. DeletionDate is local time, "YYYY-MM-DDThh:mm:ss".
+std::string infoText(std::string_view pathValue, std::time_t deletionTime);
+
+} // namespace ARXTrash
