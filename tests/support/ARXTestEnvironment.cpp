@@ -80,6 +80,8 @@ bool ARXTestEnvironment::waitUntil(const std::function<bool()>& pred, int timeou
             return pred();
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        // processEvents leaves deleteLater() calls made outside an event loop pending.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QThread::msleep(1);
     }
     return true;
@@ -90,6 +92,7 @@ void ARXTestEnvironment::spin(int ms) {
     timer.start();
     while (timer.elapsed() < ms) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QThread::msleep(1);
     }
 }

@@ -1,0 +1,97 @@
+#include "support/ARXTestEnvironment.h"
+#include "ui/ARXAlerts.h"
+#include "ui/ARXConflictDialog.h"
+#include "ui/ARXOperationSheet.h"
+#include "ui/ARXToast.h"
+
+#include <QLabel>
+#include <QMessageBox>
+#include <QVBoxLayout>
+
+#include <memory>
+
+// Pictures of the operation dialogs for looking at them, written only when ATRIUM_SCREENSHOT_DIR
+// names a folder (scripts/screenshot-dialogs sets it); skipped in ordinary test runs.
+namespace {
+
+class ARXDialogGalleryTest : public ARXTestEnvironment {
+protected:
+    void SetUp() override {
+        ARXTestEnvironment::SetUp();
+        _dir = qEnvironmentVariable("ATRIUM_SCREENSHOT_DIR");
+        if (_dir.isEmpty()) {
+            GTEST_SKIP() << "ATRIUM_SCREENSHOT_DIR is not set";
+        }
+        window.resize(720, 440);
+        auto* layout = new QVBoxLayout(&window);
+        layout->addWidget(new QLabel(QStringLiteral("Pane content"), &window), 0, Qt::AlignCenter);
+        window.show();
+        writeFile(root() + "/Holiday photos from the summer of 2023 in the mountains.jpg", "");
+        makeFolder(root() + "/Projects");
+    }
+
+    void save(QWidget* widget, const char* name) {
+        spin(400); // layouts settle and fades end
+        const QString file = _dir + QLatin1Char('/') + QLatin1String(name) + ".png";
+        EXPECT_TRUE(widget->grab().save(file)) << file.toStdString();
+    }
+
+    void saveAlert(QMessageBox* box, const char* name) {
+        std::unique_ptr<QMessageBox> owned(box);
+        box->show();
+        save(box, name);
+    }
+
+    QWidget window;
+
+private:
+    QString _dir;
+};
+
+TEST_F(ARXDialogGalleryTest, Pictures) {
+    ARXOperationSheet sheet(&window);
+    sheet.present();
+    sheet.setItemPath(root() + "/Holiday photos from the summer of 2023 in the mountains.jpg");
+    sheet.setTitle(
+        QStringLiteral("Copying “Holiday photos from the summer of 2023 in the mountains.jpg”..."));
+    sheet.setProgress(4.2e6, 1e7);
+    save(&sheet, "sheet");
+    sheet.setItemPath(root() + "/Projects");
+    sheet.setTitle(QStringLiteral("Moving “Projects”..."));
+    sheet.setCancelVisible(true);
+    save(&sheet, "sheet-cancel");
+    sheet.dismiss();
+
+    for (const bool single : {false, true}) {
+        ARXConflictDialog dialog(
+            {root() + "/Projects", QStringLiteral("Projects"),
+             QStringLiteral("The target already exists: Newer, Bigger."), single},
+            [](ARXFileOperationConflictAction, bool) {}, &window);
+        dialog.show();
+        save(&dialog, single ? "conflict-last" : "conflict");
+    }
+    ARXConflictDialog longName(
+        {root() + "/Holiday photos from the summer of 2023 in the mountains.jpg",
+         QStringLiteral("Holiday photos from the summer of 2023 in the mountains.jpg"),
+         QStringLiteral("The target already exists!"), false},
+        [](ARXFileOperationConflictAction, bool) {}, &window);
+    longName.show();
+    save(&longName, "conflict-long-name");
+
+    saveAlert(ARXAlerts::makeDeleteConfirmation(&window, 1, QStringLiteral("report.txt")),
+              "delete-one");
+    saveAlert(ARXAlerts::makeDeleteConfirmation(&window, 12, QString()), "delete-several");
+    saveAlert(ARXAlerts::makeEmptyTrashConfirmation(&window), "empty-trash");
+    QMessageBox* error = ARXAlerts::informError(
+        &window, QStringLiteral("Cannot copy “/home/me/report.txt”: Permission denied"));
+    save(error, "error");
+    error->close();
+    QMessageBox* taken = ARXAlerts::informNameTaken(&window, "report.txt");
+    save(taken, "name-taken");
+    taken->close();
+
+    ARXToast::present(&window, QStringLiteral("“report.txt” doesn’t exists."));
+    save(&window, "toast");
+}
+
+} // namespace
