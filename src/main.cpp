@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QIcon>
 
 #include <cstring>
 
@@ -46,6 +47,11 @@ int main(int argc, char** argv) {
     }
     QApplication app(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("com.brightmoor.atrium"));
+    // Outside a full desktop session (a bare X server, a window manager without a theme) Qt
+    // knows no icon theme; the freedesktop default theme then still gives file and folder icons.
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QStringLiteral("hicolor")) {
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+    }
     QCommandLineParser parser;
     describe(app, parser);
 

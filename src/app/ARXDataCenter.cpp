@@ -73,7 +73,14 @@ ARXDataCenter::ARXDataCenter(const Path& dataRoot)
         connect(&ARXMountTable::shared(), &ARXMountTable::mountsChanged, this,
                 &ARXDataCenter::notifyVolumesChanged);
     }
-    _fileVolumes = readSortedVolumes();
+    setVolumes(readSortedVolumes());
+}
+
+void ARXDataCenter::setVolumes(ARXVolumeList volumes) {
+    auto snapshot = std::make_shared<const ARXVolumeList>(volumes);
+    _fileVolumes = std::move(volumes);
+    std::lock_guard lock(_volumesMutex);
+    _volumesSnapshot = std::move(snapshot);
 }
 
 void ARXDataCenter::setVolumeReaderForTesting(std::function<ARXVolumeList()> reader) {
@@ -81,7 +88,7 @@ void ARXDataCenter::setVolumeReaderForTesting(std::function<ARXVolumeList()> rea
 }
 
 void ARXDataCenter::reloadVolumes() {
-    _fileVolumes = readSortedVolumes();
+    setVolumes(readSortedVolumes());
 }
 
 void ARXDataCenter::notifyVolumesChanged() {
@@ -90,8 +97,16 @@ void ARXDataCenter::notifyVolumesChanged() {
 }
 
 ARXVolumeRef ARXDataCenter::volumeFor(const Path& path) const {
+    std::shared_ptr<const ARXVolumeList> volumes;
+    {
+        std::lock_guard lock(_volumesMutex);
+        volumes = _volumesSnapshot;
+    }
+    if (!volumes) {
+        return nullptr;
+    }
     const Path probe = path.ends_with('/') ? path : path + "/";
-    for (const ARXVolumeRef& volume : _fileVolumes) {
+    for (const ARXVolumeRef& volume : *volumes) {
         const Path root = volume->root.ends_with('/') ? volume->root : volume->root + "/";
         if (probe.starts_with(root)) {
             return volume;

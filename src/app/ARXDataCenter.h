@@ -8,6 +8,8 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <optional>
 
 // Knows where Atrium's data lives, reads and writes workspace records, and keeps the sorted list
@@ -48,7 +50,8 @@ public:
     // Mounted volumes, the most specific (longest root) first.
     const ARXVolumeList& fileVolumes() const { return _fileVolumes; }
 
-    // The volume a path lies on: the first whose root is the path or a folder above it.
+    // The volume a path lies on: the first whose root is the path or a folder above it. Safe on
+    // any thread (workers compare paths too); everything else here is main-thread only.
     ARXVolumeRef volumeFor(const Path& path) const;
 
     // Whether all paths lie on one volume; fewer than two paths always do.
@@ -68,5 +71,10 @@ public:
     static std::optional<QString> decodeFileName(const std::string& fileName);
 
 private:
+    void setVolumes(ARXVolumeList volumes);
+
     ARXVolumeList _fileVolumes;
+    // The same list for readers on other threads, swapped whole under the mutex.
+    mutable std::mutex _volumesMutex;
+    std::shared_ptr<const ARXVolumeList> _volumesSnapshot;
 };

@@ -207,6 +207,10 @@ public:
 
     // Drops every loaded entry whose path is one of `paths` (exact bytes); answers how many.
     size_t removePaths(const std::vector<Path>& paths);
+    // Drops these objects from this entry's own children, keeping the order; answers how many.
+    // By identity, not path: a placeholder of a failed operation may share its path with the
+    // real item it did not replace.
+    size_t removeChildren(const ARXFileEntryList& entries);
     // Adds an entry for `path` under its loaded, listed parent folder; null when that folder is
     // not loaded, or the item is hidden and hidden items are not shown.
     ARXFileEntryRef addChild(const Path& path);

@@ -160,6 +160,16 @@ size_t ARXFileEntry::removePaths(const std::vector<Path>& paths) {
     return removePathsLocked(sorted);
 }
 
+size_t ARXFileEntry::removeChildren(const ARXFileEntryList& entries) {
+    std::lock_guard lock(treeMutex());
+    const size_t before = _children.size();
+    std::erase_if(_children, [&](const ARXFileEntryRef& child) {
+        return std::find(entries.begin(), entries.end(), child) != entries.end();
+    });
+    _preparedFolderChildren = false;
+    return before - _children.size();
+}
+
 size_t ARXFileEntry::removePathsLocked(const std::vector<Path>& sortedPaths) {
     std::lock_guard lock(treeMutex());
     size_t count = 0;

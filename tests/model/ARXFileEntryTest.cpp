@@ -358,3 +358,20 @@ TEST_F(ARXFileEntryTest, MakeAliasLinksToTheTargetBesideIt) {
 }
 
 } // namespace
+
+TEST_F(ARXFileEntryTest, RemoveChildrenGoesByIdentityNotByPath) {
+    const Path folder = at("folder");
+    writeFile(ARXPath::join(folder, "a"), "1");
+    writeFile(ARXPath::join(folder, "b"), "2");
+    const ARXFileEntryRef root = ARXFileEntry::create(folder, nullptr, true);
+    ASSERT_EQ(root->children().size(), 2u);
+    // A placeholder that shares its path with the real item "a".
+    const ARXFileEntryList placeholders =
+        root->addPlaceholders({ARXPath::join(root->path(), "a")}, ARXFileOperationType::copy);
+    ASSERT_EQ(root->children().size(), 3u);
+    EXPECT_EQ(root->removeChildren(placeholders), 1u);
+    ASSERT_EQ(root->children().size(), 2u);
+    for (const ARXFileEntryRef& child : root->children()) {
+        EXPECT_FALSE(child->operation);
+    }
+}
