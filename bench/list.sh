@@ -2,7 +2,7 @@
 # about: list and sort folders of 10,000 and 100,000 files through the file entry, against ls -l
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
-source "$here/lib.sh"
+source "$here/support/alternate.sh"
 build=${ATRIUM_BUILD:-$here/../build}
 prog="$build/bench/atrium-list"
 data=${ATRIUM_BENCH_DIR:-/tmp/atrium-bench-list}
@@ -41,7 +41,6 @@ echo "One listing of 100,000 entries in detail:"
 "$prog" "$data/100000" --column name --report
 
 echo
-command -v strace >/dev/null 2>&1 || apt-get install -y -qq strace >/dev/null 2>&1 || true
 if command -v strace >/dev/null 2>&1; then
   # A second prepare(false) must not touch the disk: count the file system calls the tracer sees
   # between the program's two markers.

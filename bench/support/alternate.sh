@@ -1,4 +1,4 @@
-# Shared helpers for bench/*.sh. Source it; needs bash 5 (EPOCHREALTIME).
+# Timing in alternating pairs for bench/*.sh. Source it; needs bash 5 (EPOCHREALTIME).
 
 # Times two commands in alternating pairs (A B A B ...), which these small virtual machines need:
 # memory freed by one command is slow to get back, so running all of A then all of B favours
