@@ -51,7 +51,7 @@ void replaceItemByHand(const Path& existing, const Path& with);
 void replaceItemSafely(const Path& existing, const Path& with);
 
 // Moves the item to the trash of its volume as other desktop programs do (the freedesktop.org
-// Trash specification): the home trash for items on the file system of the data home, else the
+// trash layout): the home trash for items on the file system of the data home, else the
 // volume's own trash. Answers the item's path in the trash, under "files/". Nothing is ever
 // copied or deleted: on a volume without a usable trash the item stays and an error says so.
 // See ARXTrash for the details.

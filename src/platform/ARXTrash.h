@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-// The desktop's trash, shared with every other program that follows the freedesktop.org Trash
-// specification. A trash folder holds "files/" (the items, under unique names) and "info/" (for
+// The desktop's trash, shared with every other program that follows the freedesktop.org trash
+// layout. A trash folder holds "files/" (the items, under unique names) and "info/" (for
 // each item NAME a "NAME.trashinfo" that says where it came from and when).
 //
 // Which trash an item goes to: the home trash ($XDG_DATA_HOME/Trash) when the item lies on the
