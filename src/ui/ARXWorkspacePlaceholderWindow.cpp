@@ -1,6 +1,8 @@
 #include "ui/ARXWorkspacePlaceholderWindow.h"
 
 #include "app/ARXConf.h"
+#include "model/ARXFileEntry.h"
+#include "ui/spaceviews/ARXSpaceListView.h"
 
 #include <QGuiApplication>
 #include <QLabel>
@@ -13,19 +15,23 @@ ARXWorkspacePlaceholderWindow::ARXWorkspacePlaceholderWindow(const QString& name
     : QWidget(parent) {
     setWindowTitle(name);
     auto* layout = new QVBoxLayout(this);
-    layout->addStretch();
-    auto* title = new QLabel(tr("Workspace “%1”").arg(name.toHtmlEscaped()), this);
-    QFont font = title->font();
-    font.setPointSizeF(font.pointSizeF() * 1.6);
-    title->setFont(font);
-    title->setAlignment(Qt::AlignCenter);
-    layout->addWidget(title);
+    layout->setContentsMargins(0, 0, 0, 0);
+
     const Path start = ARXPath::fromStoredText(ARXConf::settings_default_directory().value());
-    auto* detail =
-        new QLabel(tr("Panes open at %1").arg(ARXPath::display(start).toHtmlEscaped()), this);
-    detail->setAlignment(Qt::AlignCenter);
-    layout->addWidget(detail);
-    layout->addStretch();
+    const ARXFileEntryRef root = ARXFileEntry::create(start, nullptr, true);
+    if (root->isExists && root->expanded && !root->prepareError) {
+        auto* list = new ARXSpaceListView(this);
+        list->bindRoot(root);
+        layout->addWidget(list);
+    } else {
+        const QString why = root->prepareError
+                                ? root->prepareError->text()
+                                : tr("“%1” does not exist.").arg(ARXPath::display(start));
+        auto* message = new QLabel(why, this);
+        message->setAlignment(Qt::AlignCenter);
+        message->setTextFormat(Qt::PlainText);
+        layout->addWidget(message);
+    }
 
     const QRect available = QGuiApplication::primaryScreen()
                                 ? QGuiApplication::primaryScreen()->availableGeometry()

@@ -4,8 +4,8 @@
 
 #include <QWidget>
 
-// Stands in for a workspace window until panes and layouts arrive: it shows the workspace's name
-// and where its panes would start, at the saved frame.
+// Stands in for a workspace window until panes and layouts arrive: one list of the default
+// folder, at the workspace's saved frame.
 class ARXWorkspacePlaceholderWindow : public QWidget {
     Q_OBJECT
 public:

@@ -7,6 +7,10 @@
 #include <functional>
 #include <string>
 
+// Singletons such as the settings store take their place from the environment at first use, so
+// nothing that reads settings may be created before SetUp (not even as a fixture member):
+// it would read and write the real home.
+//
 // A private world for one test: a fresh temporary folder holding a home folder and the XDG
 // config, data and cache roots, with the home override and the XDG variables pointed there.
 // Nothing a test does reaches the real home. The folder is removed afterwards.

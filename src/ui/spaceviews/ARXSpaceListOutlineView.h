@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QTreeView>
+
+#include <array>
+#include <functional>
+
+class QKeyEvent;
+
+// The look of the list at one level of detail: the icon's side, the gap before the label and the
+// least height of a row (Qt adds the padding its style wants on top).
+struct ARXSpaceListViewLevelData {
+    double iconSize;
+    double labelLeft;
+    double itemHeight;
+};
+
+// The tree widget of the list view, set up as a file manager's detail list: rows of one height,
+// whole rows selected, several at once, folders unfolding in place, a sortable header whose first
+// section (the name) stays first and shown. Nothing is edited by a click or a key; a rename starts
+// only through `beginEditingName`.
+class ARXSpaceListOutlineView : public QTreeView {
+    Q_OBJECT
+
+public:
+    // Offered every key press first; true means the key was handled (the pane's hotkeys).
+    using KeyHandler = std::function<bool(QKeyEvent*)>;
+
+    explicit ARXSpaceListOutlineView(QWidget* parent = nullptr);
+    ~ARXSpaceListOutlineView() override;
+
+    // The levels of detail, indexed by `lod`.
+    static const std::array<ARXSpaceListViewLevelData, 2>& levels();
+
+    // Icon size and row height of a level; values past the table keep the last level.
+    void setLod(int lod);
+    int lod() const { return _lod; }
+    // The height every row gets at the present level.
+    int rowHeight() const;
+
+    // Opens the name editor on the index's row; false when there is no such row.
+    bool beginEditingName(const QModelIndex& index);
+
+    void setKeyHandler(KeyHandler handler) { _keyHandler = std::move(handler); }
+
+    void setModel(QAbstractItemModel* model) override;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void fixNameSection();
+
+    int _lod = 0;
+    KeyHandler _keyHandler;
+};
