@@ -77,10 +77,9 @@ ARXDataCenter::ARXDataCenter(const Path& dataRoot)
 }
 
 void ARXDataCenter::setVolumes(ARXVolumeList volumes) {
-    auto snapshot = std::make_shared<const ARXVolumeList>(volumes);
-    _fileVolumes = std::move(volumes);
+    auto list = std::make_shared<const ARXVolumeList>(std::move(volumes));
     std::lock_guard lock(_volumesMutex);
-    _volumesSnapshot = std::move(snapshot);
+    _volumes = std::move(list);
 }
 
 void ARXDataCenter::setVolumeReaderForTesting(std::function<ARXVolumeList()> reader) {
@@ -100,10 +99,7 @@ ARXVolumeRef ARXDataCenter::volumeFor(const Path& path) const {
     std::shared_ptr<const ARXVolumeList> volumes;
     {
         std::lock_guard lock(_volumesMutex);
-        volumes = _volumesSnapshot;
-    }
-    if (!volumes) {
-        return nullptr;
+        volumes = _volumes;
     }
     const Path probe = path.ends_with('/') ? path : path + "/";
     for (const ARXVolumeRef& volume : *volumes) {

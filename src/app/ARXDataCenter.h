@@ -48,7 +48,8 @@ public:
     static ARXAtriumData emptyWorkspace();
 
     // Mounted volumes, the most specific (longest root) first.
-    const ARXVolumeList& fileVolumes() const { return _fileVolumes; }
+    // Main thread only: the list is replaced there, so a reference lives until the next reload.
+    const ARXVolumeList& fileVolumes() const { return *_volumes; }
 
     // The volume a path lies on: the first whose root is the path or a folder above it. Safe on
     // any thread (workers compare paths too); everything else here is main-thread only.
@@ -73,8 +74,8 @@ public:
 private:
     void setVolumes(ARXVolumeList volumes);
 
-    ARXVolumeList _fileVolumes;
-    // The same list for readers on other threads, swapped whole under the mutex.
+    // Never changed in place: a reload swaps in a new list under the mutex, so readers on other
+    // threads keep a whole list while they search it.
     mutable std::mutex _volumesMutex;
-    std::shared_ptr<const ARXVolumeList> _volumesSnapshot;
+    std::shared_ptr<const ARXVolumeList> _volumes = std::make_shared<const ARXVolumeList>();
 };

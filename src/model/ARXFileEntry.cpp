@@ -18,11 +18,6 @@ namespace {
 // Where the desktop shows folders under names of their own.
 constexpr std::string_view kApplicationsFolder = "/Applications";
 
-// A cloud item not yet downloaded is a hidden file ".NAME.icloud" standing in for NAME.
-bool isCloudPlaceholderName(std::string_view name) {
-    return name.starts_with('.') && name.ends_with(".icloud");
-}
-
 // The name the desktop gives a folder directly in the home folder or in /Applications. The XDG
 // user folders are created under the names of the user's language, so their file names already
 // are their display names; an application bundle drops its extension.
@@ -165,7 +160,7 @@ bool ARXFileEntry::readAttributes(const ARXFileStatus& linkStatus,
 
     const ARXCloudValues& cloud = values->cloud;
     isUbiquitous = cloud.isUbiquitous.value_or(false);
-    const bool placeholder = isCloudPlaceholderName(name());
+    const bool placeholder = ARXPath::isCloudPlaceholderName(name());
     if (isUbiquitous) {
         const bool current = cloud.downloadingStatus == ARXDownloadingStatus::current;
         if (cloud.hasUnresolvedConflicts.value_or(false)) {

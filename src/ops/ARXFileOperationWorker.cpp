@@ -40,16 +40,12 @@ Path temporaryNameBeside(const Path& path) {
     }
 }
 
-bool isCloudPlaceholderName(const std::string& name) {
-    return name.size() > 1 && name.starts_with('.') && name.ends_with(".icloud");
-}
-
 } // namespace
 
 Path ARXFileOperationController::cloudPlaceholderTarget(const Path& from, const Path& trashed) {
     const std::string trashedName = ARXPath::lastComponent(trashed);
-    if (!isCloudPlaceholderName(ARXPath::lastComponent(from)) ||
-        isCloudPlaceholderName(trashedName)) {
+    if (!ARXPath::isCloudPlaceholderName(ARXPath::lastComponent(from)) ||
+        ARXPath::isCloudPlaceholderName(trashedName)) {
         return trashed;
     }
     const Path wrapped = ARXPath::join(ARXPath::parentPath(trashed), "." + trashedName + ".icloud");

@@ -18,8 +18,7 @@ namespace {
 // A cloud item not downloaded yet is a hidden stand-in, ".NAME.icloud"; renaming the stand-in
 // would cut it off from its item in the cloud.
 bool isCloudPlaceholder(const ARXFileEntry& entry) {
-    const std::string_view name = entry.name();
-    return entry.isUbiquitous && name.starts_with('.') && name.ends_with(".icloud");
+    return entry.isUbiquitous && ARXPath::isCloudPlaceholderName(entry.name());
 }
 
 bool isSingleComponent(std::string_view name) {

@@ -105,6 +105,10 @@ bool isValidUtf8(std::string_view bytes) {
     return true;
 }
 
+bool isCloudPlaceholderName(std::string_view name) {
+    return name.starts_with('.') && name.ends_with(".icloud");
+}
+
 QString display(std::string_view bytes) {
     return QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
 }

@@ -30,6 +30,9 @@ std::string extension(std::string_view name);
 
 bool isValidUtf8(std::string_view bytes);
 
+// A cloud item not yet downloaded is a hidden file ".NAME.icloud" standing in for NAME.
+bool isCloudPlaceholderName(std::string_view name);
+
 // Text for the screen and for sorting: the bytes decoded as UTF-8, invalid sequences as U+FFFD.
 QString display(std::string_view bytes);
 

@@ -2,9 +2,7 @@
 #include "model/ARXFileEntry.h"
 #include "model/ARXSecurityScopedCache.h"
 #include "platform/ARXHiddenList.h"
-
-#include <QBuffer>
-#include <QImage>
+#include "support/ARXTestImages.h"
 
 #include <atomic>
 #include <thread>
@@ -96,15 +94,7 @@ TEST_F(ARXFileEntryOrderTest, SizeAndDatesKeepFoldersOnTopAndEqualKeysInPlace) {
 }
 
 TEST_F(ARXFileEntryOrderTest, DimensionsPutImagesFirstAndLeaveTheRestInPlace) {
-    const auto png = [](int width) {
-        QImage image(width, 4, QImage::Format_RGB32);
-        image.fill(Qt::blue);
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        image.save(&buffer, "PNG");
-        return bytes.toStdString();
-    };
+    const auto png = [](int width) { return ARXImageBytes(width, 4); };
     makeFolder(at("dir/folder"));
     writeFile(at("dir/wide.png"), png(30));
     writeFile(at("dir/narrow.png"), png(10));

@@ -3,10 +3,9 @@
 #include "ARXFileEntryFixture.h"
 #include "app/ARXConf.h"
 #include "model/ARXFileFormat.h"
+#include "support/ARXTestImages.h"
 
-#include <QBuffer>
 #include <QDateTime>
-#include <QImage>
 
 #include <limits>
 
@@ -14,15 +13,7 @@ namespace {
 
 class ARXFileEntryTest : public ARXFileEntryFixture {
 protected:
-    static std::string pngBytes(int width, int height) {
-        QImage image(width, height, QImage::Format_RGB32);
-        image.fill(Qt::red);
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        image.save(&buffer, "PNG");
-        return bytes.toStdString();
-    }
+    static std::string pngBytes(int width, int height) { return ARXImageBytes(width, height); }
 };
 
 class FakeTagColors : public ARXTagColorSource {

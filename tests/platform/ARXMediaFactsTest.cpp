@@ -1,9 +1,7 @@
 #include "platform/ARXMediaFacts.h"
 
 #include "support/ARXTestEnvironment.h"
-
-#include <QBuffer>
-#include <QImage>
+#include "support/ARXTestImages.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -41,15 +39,7 @@ std::string wav(uint32_t rate, uint32_t declaredSamples, uint32_t presentSamples
 }
 
 std::string imageBytes(int width, int height, const char* format) {
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    if (!image.save(&buffer, format)) {
-        return {};
-    }
-    return bytes.toStdString();
+    return ARXImageBytes(width, height, format, Qt::darkCyan);
 }
 
 uint32_t crc32(std::string_view data) {

@@ -1,9 +1,7 @@
 #include "platform/ARXMimeTypes.h"
 
 #include "support/ARXTestEnvironment.h"
-
-#include <QBuffer>
-#include <QImage>
+#include "support/ARXTestImages.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,15 +11,7 @@ namespace {
 class ARXMimeTypesTest : public ARXTestEnvironment {
 protected:
     Path at(std::string_view name) const { return ARXPath::join(root(), name); }
-    static std::string pngBytes() {
-        QImage image(4, 3, QImage::Format_RGB32);
-        image.fill(Qt::red);
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        image.save(&buffer, "PNG");
-        return bytes.toStdString();
-    }
+    static std::string pngBytes() { return ARXImageBytes(4, 3); }
     QString typeOf(std::string_view name) const { return ARXMimeTypes::typeOfPath(at(name)); }
 };
 

@@ -4,12 +4,11 @@
 #include "model/ARXFileEntryRemovals.h"
 #include "support/ARXFakeVolumes.h"
 #include "support/ARXTestEnvironment.h"
+#include "support/ARXTestImages.h"
 #include "ui/spaceviews/ARXDateText.h"
 
 #include <QAbstractItemModelTester>
 #include <QBrush>
-#include <QBuffer>
-#include <QImage>
 #include <QItemSelectionModel>
 #include <QSignalSpy>
 #include <QTreeView>
@@ -364,13 +363,7 @@ TEST_F(ARXSpaceListModelTest, ShowsTheTextOfEveryColumn) {
     writeFile(at("top/note.txt"), "hello");
     writeFile(at("top/dir/x"), "");
     writeFile(at("top/.secret"), "");
-    QImage image(2, 3, QImage::Format_RGB32);
-    image.fill(Qt::red);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    writeFile(at("top/pic.png"), std::string_view(png.constData(), size_t(png.size())));
+    writeFile(at("top/pic.png"), ARXImageBytes(2, 3));
     setModified(at("top/note.txt"), kNow - 5 * 86400);
 
     const ARXFileEntryRef top = listed("top", true);
