@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <random>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace ARXFileIO {
@@ -207,6 +208,18 @@ Path setAside(const Path& path) {
 
 std::string errorText(int error) {
     return std::strerror(error);
+}
+
+std::optional<uint64_t> availableBytes(const Path& path) {
+    struct statvfs facts {};
+    if (::statvfs(path.c_str(), &facts) != 0) {
+        return std::nullopt;
+    }
+    return uint64_t(facts.f_bavail) * uint64_t(facts.f_frsize);
+}
+
+int makeDirectory(const Path& path) {
+    return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno;
 }
 
 } // namespace ARXFileIO

@@ -2,6 +2,7 @@
 
 #include "platform/ARXPath.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,8 +24,16 @@ int writeAtomically(const Path& path, std::string_view data);
 // Creates the folder and its missing parents (mode 0700 for new ones). Returns 0 or an errno.
 int makeDirectories(const Path& path);
 
+// Whether anything, a dangling symbolic link included, is at the path (lstat).
 bool exists(const Path& path);
 bool isDirectory(const Path& path);
+
+// The bytes an unprivileged user may still write on the volume of the path; none when the
+// file system does not say.
+std::optional<uint64_t> availableBytes(const Path& path);
+
+// Creates one folder (mode 0777 less the umask, as any new folder). Returns 0 or an errno.
+int makeDirectory(const Path& path);
 
 // Whether this process may read the item (access(2) with R_OK, following links).
 bool isReadable(const Path& path);

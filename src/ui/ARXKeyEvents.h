@@ -1,0 +1,14 @@
+#pragma once
+
+#include "actions/ARXHotkey.h"
+
+class QKeyEvent;
+
+// Key presses in the stored hotkey form. Ctrl is "cmd", Meta is "ctrl", Alt is "option", as Qt
+// maps them; a key typed with Shift is named by its unshifted key ("shift+cmd+." arrives as
+// Shift+">" on a US keyboard), so the stored defaults match what the user presses.
+namespace ARXKeyEvents {
+
+ARXHotkey hotkeyOf(const QKeyEvent* event);
+
+} // namespace ARXKeyEvents
