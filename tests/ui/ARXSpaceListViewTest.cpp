@@ -216,7 +216,7 @@ TEST_F(ARXSpaceListViewTest, WidthsRoundTripAndTheNameKeepsItsMinimum) {
 
     // A user's resize is remembered by the column's stored string.
     header()->resizeSection(model().section(Column::kind), 200);
-    const QMap<QString, double> widths = view->columnWidths();
+    const QMap<QString, double> widths = view->storedColumnWidths();
     EXPECT_EQ(widths.value("Kind"), 200.0);
     EXPECT_EQ(widths.value("Size"), 150.0);
 
@@ -225,7 +225,7 @@ TEST_F(ARXSpaceListViewTest, WidthsRoundTripAndTheNameKeepsItsMinimum) {
     other.setColumnWidths(widths);
     EXPECT_EQ(other.outlineView()->header()->sectionSize(other.model()->section(Column::kind)),
               200);
-    EXPECT_EQ(other.columnWidths(), widths);
+    EXPECT_EQ(other.storedColumnWidths(), widths);
 
     header()->resizeSection(0, 40);
     EXPECT_EQ(header()->sectionSize(0), 124);

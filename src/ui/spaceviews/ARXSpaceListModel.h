@@ -139,6 +139,11 @@ public:
     // Renames are not done here: a new name goes out through `renameRequested` and the answer is
     // false; the view renames on disk and calls `entryRefreshed`.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    // Drags carry the rows' paths as file URIs (see ARXFileClipboard).
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
+    Qt::DropActions supportedDragActions() const override;
+    Qt::DropActions supportedDropActions() const override;
 
 Q_SIGNALS:
     void renameRequested(const ARXFileEntryRef& entry, const QString& newName);

@@ -2,6 +2,7 @@
 // flags, and the hooks through which sizes, icons and date texts come in.
 
 #include "model/ARXFileFormat.h"
+#include "ui/ARXFileClipboard.h"
 #include "ui/ARXFileIcon.h"
 #include "ui/spaceviews/ARXDateText.h"
 #include "ui/spaceviews/ARXSpaceListModel.h"
@@ -9,6 +10,7 @@
 #include <QColor>
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QPalette>
 
 namespace {
@@ -246,4 +248,27 @@ bool ARXSpaceListModel::setData(const QModelIndex& index, const QVariant& value,
     }
     Q_EMIT renameRequested(row->entry, value.toString());
     return false;
+}
+
+QStringList ARXSpaceListModel::mimeTypes() const {
+    return {QStringLiteral("text/uri-list")};
+}
+
+QMimeData* ARXSpaceListModel::mimeData(const QModelIndexList& indexes) const {
+    std::vector<Path> paths;
+    for (const QModelIndex& index : indexes) {
+        const Row* row = rowAt(index);
+        if (row && index.column() == 0 && row->entry->isExists && !row->entry->operation) {
+            paths.push_back(row->entry->path());
+        }
+    }
+    return paths.empty() ? nullptr : ARXFileClipboard::makeMimeData(paths, false);
+}
+
+Qt::DropActions ARXSpaceListModel::supportedDragActions() const {
+    return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+}
+
+Qt::DropActions ARXSpaceListModel::supportedDropActions() const {
+    return Qt::CopyAction | Qt::MoveAction;
 }

@@ -1,7 +1,10 @@
 #include "ui/spaceviews/ARXSpaceListOutlineView.h"
 
+#include <QDrag>
+#include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -48,6 +51,10 @@ ARXSpaceListOutlineView::ARXSpaceListOutlineView(QWidget* parent) : QTreeView(pa
     setExpandsOnDoubleClick(false);
     setTextElideMode(Qt::ElideMiddle);
     setSortingEnabled(false); // the entries sort themselves; the header only shows the order
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
 
     QHeaderView* header = this->header();
     header->setSectionsClickable(true);
@@ -128,4 +135,83 @@ void ARXSpaceListOutlineView::keyPressEvent(QKeyEvent* event) {
         }
     }
     QTreeView::keyPressEvent(event);
+}
+
+void ARXSpaceListOutlineView::focusInEvent(QFocusEvent* event) {
+    QTreeView::focusInEvent(event);
+    Q_EMIT focusReceived();
+}
+
+void ARXSpaceListOutlineView::closeEditor(QWidget* editor,
+                                          QAbstractItemDelegate::EndEditHint hint) {
+    QTreeView::closeEditor(editor, hint);
+    Q_EMIT editingEnded();
+}
+
+void ARXSpaceListOutlineView::startDrag(Qt::DropActions supportedActions) {
+    // Not Qt's own: after a move it takes the rows out of the model, whereas here rows only go
+    // when the files have gone, which the change notices tell.
+    const QModelIndexList rows = selectionModel()->selectedRows(0);
+    if (rows.isEmpty()) {
+        return;
+    }
+    QMimeData* data = model()->mimeData(rows);
+    if (!data) {
+        return;
+    }
+    if (_dragHandler) {
+        _dragHandler(true);
+    }
+    auto* drag = new QDrag(this);
+    drag->setMimeData(data);
+    const QIcon icon = rows.first().data(Qt::DecorationRole).value<QIcon>();
+    if (!icon.isNull()) {
+        drag->setPixmap(icon.pixmap(iconSize()));
+    }
+    drag->exec(supportedActions, Qt::MoveAction);
+    if (_dragHandler) {
+        _dragHandler(false);
+    }
+}
+
+void ARXSpaceListOutlineView::dragEnterEvent(QDragEnterEvent* event) {
+    // Whether the payload is welcome at all is decided at each move, over the row it is on.
+    if (_dropHandler) {
+        event->acceptProposedAction();
+        return;
+    }
+    QTreeView::dragEnterEvent(event);
+}
+
+void ARXSpaceListOutlineView::dragMoveEvent(QDragMoveEvent* event) {
+    if (!_dropHandler) {
+        QTreeView::dragMoveEvent(event);
+        return;
+    }
+    // Qt's own move handling scrolls near the edges and draws the indicator.
+    QTreeView::dragMoveEvent(event);
+    const Qt::DropAction action = _dropHandler(event, false);
+    if (action == Qt::IgnoreAction) {
+        event->ignore();
+    } else {
+        event->setDropAction(action);
+        event->accept();
+    }
+}
+
+void ARXSpaceListOutlineView::dropEvent(QDropEvent* event) {
+    if (!_dropHandler) {
+        QTreeView::dropEvent(event);
+        return;
+    }
+    const Qt::DropAction action = _dropHandler(event, true);
+    if (action == Qt::IgnoreAction) {
+        event->ignore();
+    } else {
+        event->setDropAction(action);
+        event->accept();
+    }
+    stopAutoScroll();
+    setState(QAbstractItemView::NoState);
+    viewport()->update();
 }

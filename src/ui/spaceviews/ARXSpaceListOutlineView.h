@@ -6,6 +6,7 @@
 #include <functional>
 
 class QKeyEvent;
+class QDropEvent;
 
 // The look of the list at one level of detail: the icon's side, the gap before the label and the
 // least height of a row (Qt adds the padding its style wants on top).
@@ -25,6 +26,11 @@ class ARXSpaceListOutlineView : public QTreeView {
 public:
     // Offered every key press first; true means the key was handled (the pane's hotkeys).
     using KeyHandler = std::function<bool(QKeyEvent*)>;
+    // Asked while a drag moves over the view (perform false) and at the drop (perform true):
+    // the action it would take, or IgnoreAction to refuse.
+    using DropHandler = std::function<Qt::DropAction(QDropEvent*, bool perform)>;
+    // A drag of the selected rows begins, and ends (dropped anywhere or given up).
+    using DragHandler = std::function<void(bool started)>;
 
     explicit ARXSpaceListOutlineView(QWidget* parent = nullptr);
     ~ARXSpaceListOutlineView() override;
@@ -42,15 +48,30 @@ public:
     bool beginEditingName(const QModelIndex& index);
 
     void setKeyHandler(KeyHandler handler) { _keyHandler = std::move(handler); }
+    void setDropHandler(DropHandler handler) { _dropHandler = std::move(handler); }
+    void setDragHandler(DragHandler handler) { _dragHandler = std::move(handler); }
 
     void setModel(QAbstractItemModel* model) override;
 
+Q_SIGNALS:
+    // The name editor closed, committed or not.
+    void editingEnded();
+    void focusReceived();
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+    void startDrag(Qt::DropActions supportedActions) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void fixNameSection();
 
     int _lod = 0;
     KeyHandler _keyHandler;
+    DropHandler _dropHandler;
+    DragHandler _dragHandler;
 };

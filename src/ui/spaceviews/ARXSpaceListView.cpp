@@ -67,7 +67,7 @@ double ARXSpaceListView::initialWidth(ARXSpaceViewColumnId column) {
 }
 
 ARXSpaceListView::ARXSpaceListView(QWidget* parent)
-    : QWidget(parent), _model(new ARXSpaceListModel(this)),
+    : ARXSpaceView(parent), _model(new ARXSpaceListModel(this)),
       _outlineView(new ARXSpaceListOutlineView(this)), _bottomLabel(new QLabel(this)),
       _headerMenu(new QMenu(this)) {
     auto* layout = new QVBoxLayout(this);
@@ -95,8 +95,48 @@ ARXSpaceListView::ARXSpaceListView(QWidget* parent)
     connect(header, &QHeaderView::sectionMoved, this, &ARXSpaceListView::onSectionMoved);
     connect(_outlineView, &QAbstractItemView::doubleClicked, this,
             &ARXSpaceListView::onDoubleClicked);
-    connect(_outlineView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &ARXSpaceListView::selectionChanged);
+    connect(_outlineView->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (!_syncing) {
+            widgetSelectionChanged();
+        }
+        Q_EMIT selectionChanged();
+    });
+    connect(_outlineView, &QTreeView::expanded, this, [this](const QModelIndex& index) {
+        watchFolder(_model->entryAt(index));
+        _openRows.erase(std::remove_if(_openRows.begin(), _openRows.end(),
+                                       [&](const QPersistentModelIndex& row) {
+                                           return !row.isValid() || row == index;
+                                       }),
+                        _openRows.end());
+        _openRows.emplace_back(index);
+        refreshStatusText();
+    });
+    connect(_outlineView, &QTreeView::collapsed, this, [this] { refreshStatusText(); });
+    connect(_outlineView, &ARXSpaceListOutlineView::editingEnded, this, [this] {
+        _editingEntry.reset();
+        setEditingFilename(false);
+        _outlineView->setFocus(Qt::OtherFocusReason);
+    });
+    connect(_outlineView, &ARXSpaceListOutlineView::focusReceived, this, [this] {
+        if (delegate()) {
+            delegate()->spaceViewFocused(*this);
+        }
+    });
+    connect(_model, &ARXSpaceListModel::renameRequested, this,
+            &ARXSpaceListView::onRenameRequested);
+    connect(_model, &ARXSpaceListModel::fetchFailed, this, &ARXSpaceListView::onFetchFailed);
+    connect(this, &ARXSpaceView::statusTextChanged, this, &ARXSpaceListView::setStatusText);
+    _outlineView->setKeyHandler([this](QKeyEvent* event) { return handleKey(event); });
+    _outlineView->setDropHandler(
+        [this](QDropEvent* event, bool perform) { return handleDrop(event, perform); });
+    _outlineView->setDragHandler([this](bool started) {
+        if (started) {
+            dragStarted(selectedEntries());
+        } else {
+            dragEnded();
+        }
+    });
+    setBottomStatusVisible(ARXConf::settings_space_bottom_statusbar_visible().value());
 
     _dayChangeTimer.setSingleShot(true);
     connect(&_dayChangeTimer, &QTimer::timeout, this, &ARXSpaceListView::onDayChanged);
@@ -113,11 +153,15 @@ ARXSpaceListView::ARXSpaceListView(QWidget* parent)
 
 ARXSpaceListView::~ARXSpaceListView() = default;
 
-void ARXSpaceListView::bindRoot(const ARXFileEntryRef& root) {
-    _root = root;
-    _model->setRoot(root);
+void ARXSpaceListView::bindRoot(const ARXFileEntryRef& root, bool force) {
+    _dayChangeTimer.stop();
+    _editingEntry.reset();
+    _draggingItems.clear();
+    ARXSpaceView::bindRoot(root, force);
+    _model->setRoot(spaceStatus() == ARXSpaceStatus::normal ? _root : nullptr);
     applyColumns();
     scheduleDayChange();
+    refreshStatusText();
 }
 
 // ----- columns
@@ -127,12 +171,12 @@ QStringList ARXSpaceListView::effectiveColumns() const {
 }
 
 void ARXSpaceListView::setVisibleColumns(std::optional<QStringList> columns) {
-    _visibleColumns = std::move(columns);
+    ARXSpaceView::setVisibleColumns(std::move(columns));
     applyColumns();
 }
 
 void ARXSpaceListView::setColumnWidths(const QMap<QString, double>& widths) {
-    _columnWidths = widths;
+    ARXSpaceView::setColumnWidths(widths);
     applyColumns();
 }
 
@@ -297,11 +341,17 @@ void ARXSpaceListView::onSortIndicatorChanged(int section, Qt::SortOrder order) 
 }
 
 void ARXSpaceListView::applySort(ARXSpaceViewColumnId column, bool ascending) {
+    if (_root) {
+        applySort(column, ascending, _root->sortFoldersOnTop);
+    }
+}
+
+void ARXSpaceListView::applySort(ARXSpaceViewColumnId column, bool ascending, bool foldersOnTop) {
     if (!_root) {
         return;
     }
     // Only the root's order is set; unfolded folders take it from their parent as they sort.
-    _root->sort(column, ascending, _root->sortFoldersOnTop);
+    _root->sort(column, ascending, foldersOnTop);
     // A layout change: the selection and the unfolded rows stay on their entries.
     _model->reorder();
     showSortIndicator();
@@ -410,7 +460,18 @@ void ARXSpaceListView::selectEntries(const ARXFileEntryList& entries) {
 }
 
 bool ARXSpaceListView::beginEditingName(const ARXFileEntryRef& entry) {
-    return _outlineView->beginEditingName(_model->indexOf(entry));
+    const QModelIndex index = _model->indexOf(entry);
+    if (!index.isValid() || !(_model->flags(index) & Qt::ItemIsEditable)) {
+        return false;
+    }
+    setEditingFilename(true);
+    _editingEntry = entry;
+    if (!_outlineView->beginEditingName(index)) {
+        _editingEntry.reset();
+        setEditingFilename(false);
+        return false;
+    }
+    return true;
 }
 
 void ARXSpaceListView::onDoubleClicked(const QModelIndex& index) {
@@ -420,7 +481,11 @@ void ARXSpaceListView::onDoubleClicked(const QModelIndex& index) {
     }
     const ARXFileEntryList selected = selectedEntries();
     const bool inSelection = std::find(selected.begin(), selected.end(), clicked) != selected.end();
-    Q_EMIT entriesActivated(inSelection ? selected : ARXFileEntryList{clicked});
+    const ARXFileEntryList entries = inSelection ? selected : ARXFileEntryList{clicked};
+    if (delegate()) {
+        delegate()->spaceViewOpen(*this, entries);
+    }
+    Q_EMIT entriesActivated(entries);
 }
 
 // ----- status line and the day change
