@@ -1,11 +1,10 @@
 #pragma once
 
 #include "ops/ARXOperationPresenter.h"
+#include "ui/ARXOperationSheet.h"
 
 #include <QObject>
 #include <QPointer>
-
-class ARXOperationSheet;
 class QWidget;
 
 // How operations speak to the user in a window: the progress sheet, the conflict dialog and the

@@ -1,37 +1,31 @@
 #include "ui/ARXWorkspacePlaceholderWindow.h"
 
-#include "app/ARXConf.h"
-#include "model/ARXFileEntry.h"
-#include "ui/spaceviews/ARXSpaceListView.h"
+#include "ui/ARXWidgetOperationPresenter.h"
 
 #include <QGuiApplication>
-#include <QLabel>
 #include <QScreen>
 #include <QVBoxLayout>
 
 ARXWorkspacePlaceholderWindow::ARXWorkspacePlaceholderWindow(const QString& name,
                                                              const ARXAtriumData& data,
                                                              QWidget* parent)
-    : QWidget(parent) {
+    : QWidget(parent), _presenter(new ARXWidgetOperationPresenter(this)), _name(name) {
     setWindowTitle(name);
+    ARXOperationPresenter::setMain(_presenter);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
 
-    const Path start = ARXPath::fromStoredText(ARXConf::settings_default_directory().value());
-    const ARXFileEntryRef root = ARXFileEntry::create(start, nullptr, true);
-    if (root->isExists && root->expanded && !root->prepareError) {
-        auto* list = new ARXSpaceListView(this);
-        list->bindRoot(root);
-        layout->addWidget(list);
+    _pane = new ARXSpaceSquareView(this);
+    _pane->setDelegate(this);
+    _pane->setPresenter(_presenter);
+    _pane->setLone(true);
+    layout->addWidget(_pane);
+    if (data.spaces[0]) {
+        _pane->applyData(*data.spaces[0]);
     } else {
-        const QString why = root->prepareError
-                                ? root->prepareError->text()
-                                : tr("“%1” does not exist.").arg(ARXPath::display(start));
-        auto* message = new QLabel(why, this);
-        message->setAlignment(Qt::AlignCenter);
-        message->setTextFormat(Qt::PlainText);
-        layout->addWidget(message);
+        _pane->resetToDefaults();
     }
+    _pane->setActivated(true);
 
     const QRect available = QGuiApplication::primaryScreen()
                                 ? QGuiApplication::primaryScreen()->availableGeometry()
@@ -42,4 +36,21 @@ ARXWorkspacePlaceholderWindow::ARXWorkspacePlaceholderWindow(const QString& name
     } else {
         resize(std::min(1280, available.width()), std::min(960, available.height()));
     }
+}
+
+bool ARXWorkspacePlaceholderWindow::squareViewPerform(ARXSpaceSquareView&, ARXActionType,
+                                                      const ARXFileEntryList&) {
+    return false;
+}
+
+void ARXWorkspacePlaceholderWindow::squareViewActivated(ARXSpaceSquareView&) {}
+
+void ARXWorkspacePlaceholderWindow::squareViewRootChanged(ARXSpaceSquareView& pane) {
+    if (pane.root()) {
+        setWindowTitle(_name + QStringLiteral(" — ") + ARXPath::display(pane.root()->path()));
+    }
+}
+
+bool ARXWorkspacePlaceholderWindow::squareViewKey(ARXSpaceSquareView&, QKeyEvent*) {
+    return false;
 }
