@@ -19,13 +19,18 @@ bench_alternate_figures() {
 }
 
 # The number one run of a command prints; the run fails the benchmark when it prints none.
+# What the run wrote on standard error is shown when it fails.
 bench_figure() {
-  local out
-  out=$(bash -c "$1" 2>/dev/null) || { echo "bench: command failed: $1" >&2; exit 1; }
-  if ! awk -v v="$out" 'BEGIN { exit !(v ~ /^[0-9]+(\.[0-9]+)?$/) }'; then
+  local out errors
+  errors=$(mktemp)
+  out=$(bash -o pipefail -c "$1" 2>"$errors") &&
+    awk -v v="$out" 'BEGIN { exit !(v ~ /^[0-9]+(\.[0-9]+)?$/) }' || {
     echo "bench: no figure from: $1" >&2
+    sed 's/^/  /' "$errors" >&2
+    rm -f "$errors"
     exit 1
-  fi
+  }
+  rm -f "$errors"
   echo "$out"
 }
 
