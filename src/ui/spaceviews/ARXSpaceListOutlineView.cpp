@@ -120,6 +120,11 @@ void ARXSpaceListOutlineView::fixNameSection() {
 }
 
 void ARXSpaceListOutlineView::keyPressEvent(QKeyEvent* event) {
+    // Keys the name editor leaves (its Return, its Escape) belong to the edit, not to the pane.
+    if (state() == QAbstractItemView::EditingState) {
+        QTreeView::keyPressEvent(event);
+        return;
+    }
     if (_keyHandler && _keyHandler(event)) {
         return;
     }

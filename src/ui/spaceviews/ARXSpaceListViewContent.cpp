@@ -14,7 +14,6 @@
 #include <QDropEvent>
 #include <QItemSelectionModel>
 #include <QLabel>
-#include <QLoggingCategory>
 #include <QTimer>
 
 #include <algorithm>
@@ -75,12 +74,10 @@ void ARXSpaceListView::entryRefreshed(const ARXFileEntryRef& entry) {
         _dirtyData = true;
         return;
     }
-    qCDebug(lcSpaceViews).noquote() << "listview.refresh:" << ARXPath::display(entry->path());
     _model->entryRefreshed(entry);
 }
 
 void ARXSpaceListView::entryInserted(const ARXFileEntryRef& entry) {
-    qCDebug(lcSpaceViews).noquote() << "listview.inserted:" << ARXPath::display(entry->path());
     _model->entryInserted(entry);
     refreshStatusText();
 }
@@ -91,8 +88,6 @@ void ARXSpaceListView::entriesInserted(const ARXFileEntryList& entries) {
 }
 
 void ARXSpaceListView::entryRemoved(const ARXFileEntryRef& entry, size_t index) {
-    qCDebug(lcSpaceViews).noquote()
-        << "listview.removed: [" << index << "]" << ARXPath::display(entry->path());
     _model->entryRemoved(entry, index);
     refreshStatusText();
 }

@@ -3,21 +3,19 @@
 #include "app/ARXConf.h"
 #include "app/ARXDataCenter.h"
 #include "app/ARXNotificationNames.h"
+#include "app/ARXPathRules.h"
 #include "model/ARXFileFormat.h"
 #include "model/ARXFileTagManager.h"
 #include "ops/ARXOperationPresenter.h"
+#include "platform/ARXConsole.h"
 #include "platform/ARXFileIO.h"
 #include "platform/ARXFolderWatcher.h"
 #include "platform/ARXNotificationCenter.h"
 
 #include <QCoreApplication>
-#include <QLoggingCategory>
 #include <QTimer>
 
 #include <algorithm>
-
-// The debug log of how changes on disk reach the views; QT_LOGGING_RULES="atrium.views=true".
-Q_LOGGING_CATEGORY(lcSpaceViews, "atrium.views", QtWarningMsg)
 
 namespace {
 
@@ -293,6 +291,28 @@ void ARXSpaceView::watchFolder(const ARXFileEntryRef& folder) {
     }
 }
 
+void ARXSpaceView::rewatch(const ARXFileEntryRef& folder, const Path& oldPath) {
+    if (!_observing || !folder->expanded) {
+        return;
+    }
+    for (const Path& watched : _watcher->watchedFolders()) {
+        if (watched == oldPath || ARXPathRules::isInside(oldPath, watched, true)) {
+            _watcher->unwatch(watched);
+        }
+    }
+    std::vector<ARXFileEntryRef> open{folder};
+    while (!open.empty()) {
+        const ARXFileEntryRef entry = open.back();
+        open.pop_back();
+        _watcher->watch(entry->target().path());
+        for (const ARXFileEntryRef& child : entry->children()) {
+            if (child->expanded && child->isFolder()) {
+                open.push_back(child);
+            }
+        }
+    }
+}
+
 std::vector<Path> ARXSpaceView::watchedFolders() const {
     return _watcher->watchedFolders();
 }
@@ -349,6 +369,20 @@ void ARXSpaceView::subitemChanged(const Path& path) {
     if (!_root) {
         return;
     }
+    // The folder shown was itself deleted, moved away or made unreadable: bound again, it shows
+    // why it cannot be shown.
+    if (path == _root->target().path()) {
+        if (!ARXFileIO::exists(path) || !ARXFileIO::isReadable(path)) {
+            // Out of the watcher's delivery, which binding would stop in the middle.
+            QTimer::singleShot(0, this, [this, root = _root] {
+                if (root == _root) {
+                    root->refresh(true);
+                    bindRoot(root, true);
+                }
+            });
+        }
+        return;
+    }
     if (!ARXFileIO::exists(path)) {
         if (ARXFileEntryRef entry = find(path)) {
             removeEntry(entry);
@@ -381,18 +415,15 @@ ARXFileEntryRef ARXSpaceView::applyChange(const Path& path) {
 }
 
 void ARXSpaceView::subitemMoved(const Path& from, const Path& to) {
-    qCDebug(lcSpaceViews).noquote()
-        << "move:" << ARXPath::display(from) << "->" << ARXPath::display(to);
+    // The debug log of the change protocol, beside the rows' own lines.
+    ARXConsole::line(QStringLiteral("move: ") + ARXPath::display(from) + QStringLiteral(" -> ") +
+                     ARXPath::display(to));
     applyMove(from, to);
 }
 
 void ARXSpaceView::applyMove(const Path& from, const Path& to) {
     if (!_root || from.empty() || to.empty()) {
         return;
-    }
-    if (_watcher->isWatching(from)) {
-        _watcher->unwatch(from);
-        _watcher->watch(to);
     }
     if (_root->contains(from, true) && ARXPath::parentPath(from) == ARXPath::parentPath(to)) {
         // A rename in place: the row stays, and with it an unfolded folder's rows.
@@ -404,6 +435,8 @@ void ARXSpaceView::applyMove(const Path& from, const Path& to) {
         entry->rewritePaths();
         entry->refresh();
         entryRefreshed(entry);
+        // The watches of a moved folder stay with the old paths, which no longer exist.
+        rewatch(entry, from);
         return;
     }
     if (ARXFileEntryRef entry = find(from)) {

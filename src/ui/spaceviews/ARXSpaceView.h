@@ -6,7 +6,6 @@
 #include "model/ARXSpaceViewTypes.h"
 #include "ops/ARXFileOperationController.h"
 
-#include <QLoggingCategory>
 #include <QMap>
 #include <QPointer>
 #include <QStringList>
@@ -201,6 +200,8 @@ protected:
     virtual void addObservers();
     virtual void removeObservers();
     void watchFolder(const ARXFileEntryRef& folder);
+    // A folder moved from `oldPath`: its watches, and those of its unfolded sub-folders, follow.
+    void rewatch(const ARXFileEntryRef& folder, const Path& oldPath);
 
     // The list view moves its selection to the row after the trashed ones first.
     void startTrash(const ARXFileEntryList& entries);
@@ -245,5 +246,3 @@ private:
     bool _observing = false;
     bool _statusPending = false;
 };
-
-Q_DECLARE_LOGGING_CATEGORY(lcSpaceViews)
