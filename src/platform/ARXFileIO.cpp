@@ -218,6 +218,15 @@ std::optional<uint64_t> availableBytes(const Path& path) {
     return uint64_t(facts.f_bavail) * uint64_t(facts.f_frsize);
 }
 
+bool isListable(const Path& dir) {
+    const int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    ::close(fd);
+    return true;
+}
+
 int makeDirectory(const Path& path) {
     return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno;
 }

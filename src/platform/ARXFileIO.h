@@ -38,6 +38,10 @@ int makeDirectory(const Path& path);
 // Whether this process may read the item (access(2) with R_OK, following links).
 bool isReadable(const Path& path);
 
+// Whether this process may open the folder for listing now. Unlike isReadable it asks with the
+// process's effective rights, as a listing does.
+bool isListable(const Path& dir);
+
 // The names in a folder, without "." and "..", in directory order. nullopt with *error on failure.
 std::optional<std::vector<std::string>> listNames(const Path& dir, int* error = nullptr);
 

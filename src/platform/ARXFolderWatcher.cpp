@@ -22,7 +22,9 @@ constexpr int kCoalesceMs = 75;
 // A first half waits this long for its second before it counts as a move out of sight.
 constexpr int kMoveGraceMs = 20;
 
-constexpr uint32_t kWatchMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO |
+// IN_MODIFY as well as IN_CLOSE_WRITE: `touch -m` and programs that keep a file open change it
+// without closing it; the coalescing above makes a burst of writes one notice.
+constexpr uint32_t kWatchMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_MODIFY |
                                 IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF |
                                 IN_ONLYDIR | IN_EXCL_UNLINK;
 

@@ -11,5 +11,7 @@ namespace ARXFileIcon {
 // type's family, else the style's own file or folder icon, so that there is always something to
 // show, also without an icon theme. Reads the item's first bytes when its name says nothing.
 QIcon forPath(const Path& path);
+// The icon of a MIME type, made once and shared. Main thread only.
+QIcon forType(const QString& type);
 
 } // namespace ARXFileIcon

@@ -97,16 +97,20 @@ void ARXTestEnvironment::spin(int ms) {
     }
 }
 
+bool ARXTestEnvironment::stopOverridingPermissions() {
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct data[2]{};
+    if (::syscall(SYS_capget, &header, data) != 0) {
+        return false;
+    }
+    data[0].effective &= ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH));
+    return ::syscall(SYS_capset, &header, data) == 0;
+}
+
 bool ARXTestEnvironment::runWithoutOverridingPermissions(const std::function<void()>& check) {
     bool dropped = false;
     std::thread worker([&] {
-        __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-        __user_cap_data_struct data[2]{};
-        if (::syscall(SYS_capget, &header, data) != 0) {
-            return;
-        }
-        data[0].effective &= ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH));
-        if (::syscall(SYS_capset, &header, data) != 0) {
+        if (!stopOverridingPermissions()) {
             return;
         }
         dropped = true;

@@ -39,6 +39,9 @@ protected:
     // Capabilities belong to threads; the test's other threads keep theirs. Answers false when the
     // thread could not give them up (check then did not run).
     static bool runWithoutOverridingPermissions(const std::function<void()>& check);
+    // The same for the calling thread (the main thread of a widget test) until the test's
+    // process ends; every test runs in a process of its own. Answers whether it worked.
+    static bool stopOverridingPermissions();
 
 private:
     Path _root;

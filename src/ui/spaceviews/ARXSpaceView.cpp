@@ -372,7 +372,7 @@ void ARXSpaceView::subitemChanged(const Path& path) {
     // The folder shown was itself deleted, moved away or made unreadable: bound again, it shows
     // why it cannot be shown.
     if (path == _root->target().path()) {
-        if (!ARXFileIO::exists(path) || !ARXFileIO::isReadable(path)) {
+        if (!ARXFileIO::exists(path) || !ARXFileIO::isListable(path)) {
             // Out of the watcher's delivery, which binding would stop in the middle.
             QTimer::singleShot(0, this, [this, root = _root] {
                 if (root == _root) {
