@@ -6,6 +6,7 @@
 // it also prints the listing and sorting times, a re-sort by another column, a second
 // prepare(false), and the peak memory per listed entry.
 
+#include "support/columns.h"
 #include "app/ARXDataCenter.h"
 #include "model/ARXFileEntry.h"
 
@@ -18,19 +19,6 @@
 #include <sys/resource.h>
 
 namespace {
-
-ARXSpaceViewColumnId columnNamed(const char* name) {
-    if (std::strcmp(name, "modified") == 0) {
-        return ARXSpaceViewColumnId::modified;
-    }
-    if (std::strcmp(name, "size") == 0) {
-        return ARXSpaceViewColumnId::size;
-    }
-    if (std::strcmp(name, "kind") == 0) {
-        return ARXSpaceViewColumnId::kind;
-    }
-    return ARXSpaceViewColumnId::name;
-}
 
 long currentRssKb() {
     long pages = 0, resident = 0;
@@ -67,7 +55,7 @@ int main(int argc, char** argv) {
     bool report = false;
     for (int i = 2; i < argc; ++i) {
         if (std::strcmp(argv[i], "--column") == 0 && i + 1 < argc) {
-            column = columnNamed(argv[++i]);
+            column = benchColumnNamed(argv[++i]).value_or(ARXSpaceViewColumnId::name);
         } else if (std::strcmp(argv[i], "--report") == 0) {
             report = true;
         }

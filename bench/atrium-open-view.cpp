@@ -14,6 +14,7 @@
 // ascending, as atrium-list sorts. The results are "key value" lines on standard output; with
 // --report a few more are added.
 
+#include "support/columns.h"
 #include "app/ARXDataCenter.h"
 #include "model/ARXFileEntry.h"
 #include "ui/spaceviews/ARXSpaceListModel.h"
@@ -36,22 +37,6 @@
 #include <vector>
 
 namespace {
-
-std::optional<ARXSpaceViewColumnId> columnNamed(const char* name) {
-    if (std::strcmp(name, "name") == 0) {
-        return ARXSpaceViewColumnId::name;
-    }
-    if (std::strcmp(name, "modified") == 0) {
-        return ARXSpaceViewColumnId::modified;
-    }
-    if (std::strcmp(name, "size") == 0) {
-        return ARXSpaceViewColumnId::size;
-    }
-    if (std::strcmp(name, "kind") == 0) {
-        return ARXSpaceViewColumnId::kind;
-    }
-    return std::nullopt;
-}
 
 double ms(const QElapsedTimer& t) {
     return double(t.nsecsElapsed()) / 1e6;
@@ -124,13 +109,13 @@ int main(int argc, char** argv) {
             mode = Mode::touch;
         } else if (std::strcmp(argv[i], "--sort") == 0 && i + 1 < argc) {
             mode = Mode::sort;
-            const std::optional<ARXSpaceViewColumnId> column = columnNamed(argv[++i]);
+            const std::optional<ARXSpaceViewColumnId> column = benchColumnNamed(argv[++i]);
             if (!column) {
                 return usage();
             }
             sortColumn = *column;
         } else if (std::strcmp(argv[i], "--column") == 0 && i + 1 < argc) {
-            listColumn = columnNamed(argv[++i]);
+            listColumn = benchColumnNamed(argv[++i]);
             if (!listColumn) {
                 return usage();
             }

@@ -8,19 +8,7 @@ prog="$build/bench/atrium-list"
 data=${ATRIUM_BENCH_DIR:-/tmp/atrium-bench-list}
 export LC_ALL=C.UTF-8
 
-# A folder of N files with names people have: numbered documents, photos, mixed case.
-make_folder() {
-  local n=$1 dir="$data/$1"
-  if [ -f "$dir.ready" ]; then return; fi
-  rm -rf "$dir"; mkdir -p "$dir"
-  (cd "$dir" && seq 1 "$n" | awk '{
-      r = $1 % 4
-      if (r == 0) print "Report " $1 ".pdf"
-      else if (r == 1) print "photo_" $1 ".JPG"
-      else if (r == 2) print "notes-" $1 ".txt"
-      else print "Archive " $1 ".tar.gz" }' | xargs -d '\n' touch)
-  touch "$dir.ready"
-}
+source "$here/support/folders.sh"
 
 echo "locale: $LC_ALL   file system: $(stat -f -c %T /tmp)   $(nproc) cores"
 make_folder 10000

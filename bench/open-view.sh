@@ -18,20 +18,7 @@ export XDG_CONFIG_HOME="$home/config" XDG_DATA_HOME="$home/data" XDG_CACHE_HOME=
 export XDG_RUNTIME_DIR="$home/runtime"
 mkdir -p -m 700 "$XDG_RUNTIME_DIR"
 
-# A folder of N files with names people have: numbered documents, photos, mixed case. The same
-# layout as bench/list.sh makes.
-make_folder() {
-  local n=$1 dir="$data/$1"
-  if [ -f "$dir.ready" ]; then return; fi
-  rm -rf "$dir"; mkdir -p "$dir"
-  (cd "$dir" && seq 1 "$n" | awk '{
-      r = $1 % 4
-      if (r == 0) print "Report " $1 ".pdf"
-      else if (r == 1) print "photo_" $1 ".JPG"
-      else if (r == 2) print "notes-" $1 ".txt"
-      else print "Archive " $1 ".tar.gz" }' | xargs -d '\n' touch)
-  touch "$dir.ready"
-}
+source "$here/support/folders.sh"
 
 # The value of "key value ..." lines of one run's output.
 field() { awk -v k="$1" '$1 == k { print $2; exit }'; }

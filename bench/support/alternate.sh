@@ -6,17 +6,25 @@
 #   bench_alternate RUNS "label A" "command A" "label B" "command B"
 bench_alternate() {
   local runs=$1 label_a=$2 cmd_a=$3 label_b=$4 cmd_b=$5
-  local -a times_a=() times_b=()
-  # Warm-up: page cache, dentry cache and the programs themselves.
+  bench_pairs bench_time "$runs" "$cmd_a" "$cmd_b"
+  BENCH_MEDIAN_A=$(bench_median "${BENCH_PAIRS_A[@]}")
+  BENCH_MEDIAN_B=$(bench_median "${BENCH_PAIRS_B[@]}")
+  bench_row "$label_a" "$BENCH_MEDIAN_A" "${BENCH_PAIRS_A[@]}"
+  bench_row "$label_b" "$BENCH_MEDIAN_B" "${BENCH_PAIRS_B[@]}"
+}
+
+# Runs both commands once to warm up (page cache, dentry cache, the programs themselves), then
+# RUNS alternating pairs, each measured by MEASURE (a function given the command), into the arrays
+# BENCH_PAIRS_A and BENCH_PAIRS_B.
+#   bench_pairs MEASURE RUNS "command A" "command B"
+bench_pairs() {
+  local measure=$1 runs=$2 cmd_a=$3 cmd_b=$4
+  BENCH_PAIRS_A=(); BENCH_PAIRS_B=()
   bash -c "$cmd_a" >/dev/null 2>&1; bash -c "$cmd_b" >/dev/null 2>&1
   for ((i = 0; i < runs; i++)); do
-    times_a+=("$(bench_time "$cmd_a")")
-    times_b+=("$(bench_time "$cmd_b")")
+    BENCH_PAIRS_A+=("$("$measure" "$cmd_a")")
+    BENCH_PAIRS_B+=("$("$measure" "$cmd_b")")
   done
-  BENCH_MEDIAN_A=$(bench_median "${times_a[@]}")
-  BENCH_MEDIAN_B=$(bench_median "${times_b[@]}")
-  bench_row "$label_a" "$BENCH_MEDIAN_A" "${times_a[@]}"
-  bench_row "$label_b" "$BENCH_MEDIAN_B" "${times_b[@]}"
 }
 
 # Seconds one run of a command takes (its output is dropped).

@@ -6,16 +6,11 @@
 #   bench_alternate_figures RUNS "label A" "command A" "label B" "command B"
 bench_alternate_figures() {
   local runs=$1 label_a=$2 cmd_a=$3 label_b=$4 cmd_b=$5
-  local -a figures_a=() figures_b=()
-  bash -c "$cmd_a" >/dev/null 2>&1; bash -c "$cmd_b" >/dev/null 2>&1
-  for ((i = 0; i < runs; i++)); do
-    figures_a+=("$(bench_figure "$cmd_a")")
-    figures_b+=("$(bench_figure "$cmd_b")")
-  done
-  BENCH_FIGURE_MEDIAN_A=$(bench_median "${figures_a[@]}")
-  BENCH_FIGURE_MEDIAN_B=$(bench_median "${figures_b[@]}")
-  bench_figure_row "$label_a" "$BENCH_FIGURE_MEDIAN_A" "${figures_a[@]}"
-  bench_figure_row "$label_b" "$BENCH_FIGURE_MEDIAN_B" "${figures_b[@]}"
+  bench_pairs bench_figure "$runs" "$cmd_a" "$cmd_b"
+  BENCH_FIGURE_MEDIAN_A=$(bench_median "${BENCH_PAIRS_A[@]}")
+  BENCH_FIGURE_MEDIAN_B=$(bench_median "${BENCH_PAIRS_B[@]}")
+  bench_figure_row "$label_a" "$BENCH_FIGURE_MEDIAN_A" "${BENCH_PAIRS_A[@]}"
+  bench_figure_row "$label_b" "$BENCH_FIGURE_MEDIAN_B" "${BENCH_PAIRS_B[@]}"
 }
 
 # The number one run of a command prints; the run fails the benchmark when it prints none.
