@@ -10,7 +10,7 @@
 #include "ui/spaceviews/ARXSpaceListView.h"
 #include "ui/spaceviews/ARXSpaceMessageView.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -426,9 +426,10 @@ void ARXSpaceSquareView::updateFavorite() {
 void ARXSpaceSquareView::setActivated(bool activated) {
     if (_viewType != ARXSpaceViewType::none && _contentView) {
         if (activated) {
+            // After the current event, and not away from the pane's own path field.
             QPointer<ARXSpaceView> view(_contentView);
-            QTimer::singleShot(0, this, [view] {
-                if (view && !view->hasContentFocus()) {
+            QTimer::singleShot(0, this, [this, view] {
+                if (view && !view->hasContentFocus() && QApplication::focusWidget() != _pathField) {
                     view->focusContent();
                 }
             });
