@@ -11,8 +11,20 @@ const QString kUriList = QStringLiteral("text/uri-list");
 const QString kGnomeCopied = QStringLiteral("x-special/gnome-copied-files");
 const QString kKdeCut = QStringLiteral("application/x-kde-cutselection");
 
-// The path of a file URI line; empty for anything that is not a file on this machine.
-Path localPath(const QByteArray& line) {
+std::vector<Path> pathsOfLines(const QByteArray& text) {
+    std::vector<Path> paths;
+    for (const QByteArray& line : text.split('\n')) {
+        Path path = ARXFileClipboard::localPath(line);
+        if (!path.empty()) {
+            paths.push_back(std::move(path));
+        }
+    }
+    return paths;
+}
+
+} // namespace
+
+Path ARXFileClipboard::localPath(const QByteArray& line) {
     const QByteArray uri = line.trimmed();
     if (uri.isEmpty() || uri.startsWith('#')) {
         return {};
@@ -36,19 +48,6 @@ Path localPath(const QByteArray& line) {
     }
     return ARXPath::normalized(path);
 }
-
-std::vector<Path> pathsOfLines(const QByteArray& text) {
-    std::vector<Path> paths;
-    for (const QByteArray& line : text.split('\n')) {
-        Path path = localPath(line);
-        if (!path.empty()) {
-            paths.push_back(std::move(path));
-        }
-    }
-    return paths;
-}
-
-} // namespace
 
 QByteArray ARXFileClipboard::fileUri(const Path& path) {
     return "file://" + QByteArray::fromStdString(path).toPercentEncoding("/");

@@ -30,6 +30,9 @@ bool hasFiles(const QMimeData* data);
 
 // "file:///a%20b", with every byte outside the URI path set percent-encoded.
 QByteArray fileUri(const Path& path);
+// The path of one file URI ("file:///a%20b" or "file://localhost/a%20b"), decoded to bytes; empty
+// for anything that is not a file on this machine, for a comment line and for a name holding NUL.
+Path localPath(const QByteArray& uri);
 
 // The system clipboard.
 void put(const std::vector<Path>& paths, bool cut);

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/ARXPath.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+class ARXInstanceHandler;
+
+// The desktop's file manager service, org.freedesktop.FileManager1 on
+// /org/freedesktop/FileManager1: other programs' "Show in folder" and "Properties" land in Atrium.
+// Each call answers at once and reaches the handler from the event loop. URIs that are not local
+// files, or name nothing on disk, are left out with a console line each; a call with none left
+// does nothing.
+class ARXFileManagerService : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+public:
+    static const QString serviceName;
+    static const QString objectPath;
+
+    ARXFileManagerService(const QDBusConnection& connection, ARXInstanceHandler& handler,
+                          QObject* parent = nullptr);
+    ~ARXFileManagerService() override;
+
+    // Serves the interface and takes the name unless another file manager holds it, in which case
+    // Atrium stays out of its way without a word. Answers whether Atrium owns the name. Another
+    // file manager started later may take the name over.
+    bool start();
+
+    // The local paths of the URIs that name an item on disk, in order.
+    static std::vector<Path> existingPaths(const QStringList& uris);
+
+public Q_SLOTS:
+    // Opens each folder; an item that is not a folder is revealed instead.
+    Q_SCRIPTABLE void ShowFolders(const QStringList& uris, const QString& startupId);
+    Q_SCRIPTABLE void ShowItems(const QStringList& uris, const QString& startupId);
+    Q_SCRIPTABLE void ShowItemProperties(const QStringList& uris, const QString& startupId);
+
+private:
+    enum class Request { folders, items, properties };
+    void post(Request request, const QStringList& uris);
+
+    QDBusConnection _connection;
+    ARXInstanceHandler& _handler;
+    bool _objectRegistered = false;
+    bool _ownsName = false;
+};

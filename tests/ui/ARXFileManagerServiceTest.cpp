@@ -1,0 +1,141 @@
+#include "ui/desktop/ARXFileManagerService.h"
+
+#include "ARXServiceTestBus.h"
+#include "support/ARXTestEnvironment.h"
+#include "ui/ARXFileClipboard.h"
+#include "ui/desktop/ARXInstanceHandler.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+
+namespace {
+
+using Paths = std::vector<Path>;
+
+class RecordingHandler : public ARXInstanceHandler {
+public:
+    void openFolders(const Paths& folders) override { calls.push_back({"open", folders}); }
+    void revealItems(const Paths& items) override { calls.push_back({"reveal", items}); }
+    void showItemProperties(const Paths& items) override { calls.push_back({"info", items}); }
+    void reopen() override { calls.push_back({"reopen", {}}); }
+
+    std::vector<std::pair<std::string, Paths>> calls;
+};
+
+QString uri(const Path& path) {
+    return QString::fromLatin1(ARXFileClipboard::fileUri(path));
+}
+
+class ARXFileManagerServiceTest : public ARXTestEnvironment {
+protected:
+    void SetUp() override {
+        ARXTestEnvironment::SetUp();
+        _bus = std::make_unique<ARXServiceTestBus>();
+        if (!_bus->isRunning()) {
+            GTEST_SKIP() << _bus->error().toStdString();
+        }
+        _service = std::make_unique<ARXFileManagerService>(_bus->connect(QStringLiteral("atrium")),
+                                                           _handler);
+        ASSERT_TRUE(_service->start());
+        _caller = _bus->connect(QStringLiteral("caller"));
+    }
+    void TearDown() override {
+        _service.reset();
+        _bus.reset();
+        ARXTestEnvironment::TearDown();
+    }
+
+    // A call as another program makes it, through the bus name.
+    void call(const char* method, const QStringList& uris) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            ARXFileManagerService::serviceName, ARXFileManagerService::objectPath,
+            QStringLiteral("org.freedesktop.FileManager1"), QString::fromLatin1(method));
+        message << uris << QStringLiteral("startup-id_TIME0");
+        const QDBusMessage reply = _caller.call(message, QDBus::BlockWithGui, 5000);
+        ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+    }
+    bool waitForCalls(size_t count) {
+        return waitUntil([&] { return _handler.calls.size() >= count; });
+    }
+
+    RecordingHandler _handler;
+    std::unique_ptr<ARXServiceTestBus> _bus;
+    std::unique_ptr<ARXFileManagerService> _service;
+    QDBusConnection _caller{QString()};
+};
+
+TEST_F(ARXFileManagerServiceTest, ShowItemsRevealsLocalItemsAndReportsEveryOtherUri) {
+    const Path odd = ARXPath::join(home(), "caf\xe9 #1?.txt"); // not UTF-8, URI specials
+    const Path folder = ARXPath::join(home(), "Folder");
+    writeFile(odd, "x");
+    makeFolder(folder);
+
+    testing::internal::CaptureStderr();
+    call("ShowItems", {uri(odd), QStringLiteral("https://example.org/a.txt"),
+                       QStringLiteral("file://otherhost") + uri(folder).mid(7),
+                       uri(ARXPath::join(home(), "missing.txt")), QStringLiteral("file://"),
+                       QStringLiteral("not a uri"), QStringLiteral("file:///tmp/%00x"), QString(),
+                       uri(folder) + QStringLiteral("/")});
+    ASSERT_TRUE(waitForCalls(1));
+    const std::string err = testing::internal::GetCapturedStderr();
+    ASSERT_EQ(_handler.calls.size(), 1u);
+    EXPECT_EQ(_handler.calls[0].first, "reveal");
+    // A folder asked to be shown is selected in its parent, not opened.
+    EXPECT_EQ(_handler.calls[0].second, (Paths{odd, folder}));
+    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 7) << err;
+    std::istringstream lines(err);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_EQ(line.rfind("Atrium: ", 0), 0u) << line;
+    }
+    EXPECT_NE(err.find("missing.txt: No such file or directory"), std::string::npos) << err;
+}
+
+TEST_F(ARXFileManagerServiceTest, ShowFoldersOpensFoldersAndRevealsOtherItems) {
+    const Path folder = ARXPath::join(home(), "Music");
+    const Path file = ARXPath::join(home(), "song.ogg");
+    makeFolder(folder);
+    writeFile(file, "x");
+    call("ShowFolders", {uri(folder), uri(file)});
+    ASSERT_TRUE(waitForCalls(2));
+    EXPECT_EQ(_handler.calls[0], (std::pair<std::string, Paths>{"open", {folder}}));
+    EXPECT_EQ(_handler.calls[1], (std::pair<std::string, Paths>{"reveal", {file}}));
+
+    call("ShowItemProperties", {uri(file), uri(folder)});
+    ASSERT_TRUE(waitForCalls(3));
+    EXPECT_EQ(_handler.calls[2], (std::pair<std::string, Paths>{"info", {file, folder}}));
+}
+
+TEST_F(ARXFileManagerServiceTest, CallsWithNothingLeftToShowDoNothing) {
+    const Path folder = ARXPath::join(home(), "Last");
+    makeFolder(folder);
+    testing::internal::CaptureStderr();
+    call("ShowItems", {});
+    call("ShowFolders", {QStringLiteral("smb://server/share")});
+    call("ShowItemProperties", {uri(ARXPath::join(home(), "gone"))});
+    // Calls are handled in order, so once this one arrives the others had their turn.
+    call("ShowFolders", {uri(folder)});
+    ASSERT_TRUE(waitForCalls(1));
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(_handler.calls, (std::vector<std::pair<std::string, Paths>>{{"open", {folder}}}));
+}
+
+TEST_F(ARXFileManagerServiceTest, AnotherFileManagerKeepsTheNameQuietly) {
+    _service.reset();
+    QDBusConnection other = _bus->connect(QStringLiteral("other"));
+    ASSERT_TRUE(other.registerService(ARXFileManagerService::serviceName));
+
+    RecordingHandler handler;
+    ARXFileManagerService second(_bus->connect(QStringLiteral("late")), handler);
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(second.start());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(other.interface()->serviceOwner(ARXFileManagerService::serviceName).value(),
+              other.baseService());
+}
+
+} // namespace

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+// A session bus of the test's own: a dbus-daemon started for the test and stopped after it, so
+// that tests run on machines without a desktop session and never touch the user's bus. Each
+// connection made here stands for one process of Atrium; several may share the test's process.
+class ARXServiceTestBus {
+public:
+    ARXServiceTestBus() {
+        _daemon.setProgram(QStringLiteral("dbus-daemon"));
+        _daemon.setArguments({QStringLiteral("--session"), QStringLiteral("--nofork"),
+                              QStringLiteral("--print-address")});
+        _daemon.setProcessChannelMode(QProcess::SeparateChannels);
+        _daemon.start();
+        if (!_daemon.waitForStarted(10000)) {
+            _error = QStringLiteral("dbus-daemon did not start: ") + _daemon.errorString();
+            return;
+        }
+        // The daemon prints its address once it listens.
+        while (!_daemon.canReadLine() && _daemon.waitForReadyRead(10000)) {
+        }
+        _address = QString::fromUtf8(_daemon.readLine()).trimmed();
+        if (_address.isEmpty()) {
+            _error = QStringLiteral("dbus-daemon printed no address");
+            return;
+        }
+        // Anything that asks Qt for the session bus reaches this one instead of the user's.
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", _address.toUtf8().constData(), 1);
+    }
+
+    ~ARXServiceTestBus() {
+        for (const QString& name : _connections) {
+            QDBusConnection::disconnectFromBus(name);
+        }
+        if (_daemon.state() != QProcess::NotRunning) {
+            _daemon.terminate();
+            if (!_daemon.waitForFinished(5000)) {
+                _daemon.kill();
+                _daemon.waitForFinished(5000);
+            }
+        }
+    }
+
+    ARXServiceTestBus(const ARXServiceTestBus&) = delete;
+    ARXServiceTestBus& operator=(const ARXServiceTestBus&) = delete;
+
+    bool isRunning() const { return _error.isEmpty(); }
+    const QString& error() const { return _error; }
+    const QString& address() const { return _address; }
+
+    // A new connection with a unique name of its own, as another process would have.
+    QDBusConnection connect(const QString& name) {
+        _connections.append(name);
+        return QDBusConnection::connectToBus(_address, name);
+    }
+
+private:
+    QProcess _daemon;
+    QString _address;
+    QString _error;
+    QStringList _connections;
+};
