@@ -1,11 +1,21 @@
 #include "platform/ARXTerminationSignals.h"
 #include "ui/ARXAppDelegate.h"
+#include "ui/desktop/ARXFileManagerService.h"
+#include "ui/desktop/ARXInstanceHandler.h"
+#include "ui/desktop/ARXSingleInstance.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDBusConnection>
 #include <QIcon>
+#include <QTimer>
 
+#include <cerrno>
 #include <cstring>
+#include <optional>
+#include <string>
+#include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -36,6 +46,49 @@ bool asksForInformation(int argc, char** argv) {
     return false;
 }
 
+// The path arguments as the shell passed them: bytes, which QCoreApplication::arguments() would
+// decode and so lose for names that are not UTF-8. QApplication has already taken out its own
+// options, and the parser has refused unknown ones; "--" ends the options.
+std::vector<std::string> positionalArguments(int argc, char** argv) {
+    std::vector<std::string> arguments;
+    bool optionsEnded = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (!optionsEnded && argument == "--") {
+            optionsEnded = true;
+        } else if (optionsEnded || argument.size() < 2 || argument.front() != '-') {
+            arguments.push_back(argument);
+        }
+    }
+    return arguments;
+}
+
+Path workingDirectory() {
+    std::string buffer(4096, '\0');
+    while (::getcwd(buffer.data(), buffer.size()) == nullptr) {
+        if (errno != ERANGE) {
+            return "/"; // a removed working folder: relative paths name nothing anyway
+        }
+        buffer.resize(buffer.size() * 2);
+    }
+    return Path(buffer.c_str());
+}
+
+// The application as the D-Bus services see it. The delegate's entry points for paths,
+// properties and reopening come with the windows; until then requests are taken and dropped.
+class DelegateInstanceHandler : public ARXInstanceHandler {
+public:
+    explicit DelegateInstanceHandler(ARXAppDelegate& delegate) : _delegate(&delegate) {}
+
+    void openFolders(const std::vector<Path>&) override {}
+    void revealItems(const std::vector<Path>&) override {}
+    void showItemProperties(const std::vector<Path>&) override {}
+    void reopen() override {}
+
+private:
+    [[maybe_unused]] ARXAppDelegate* _delegate;
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -55,8 +108,28 @@ int main(int argc, char** argv) {
     QCommandLineParser parser;
     describe(app, parser);
 
+    // Made absolute here: the running Atrium has another working folder.
+    const std::vector<Path> paths =
+        ARXSingleInstance::commandLinePaths(positionalArguments(argc, argv), workingDirectory());
+    ARXSingleInstance instance(QDBusConnection::sessionBus());
+    if (instance.start(paths) == ARXSingleInstance::Role::handedOver) {
+        return 0;
+    }
+
     ARXTerminationSignals::quitApplicationOnTermination();
     ARXAppDelegate delegate;
+    DelegateInstanceHandler handler(delegate);
     delegate.applicationDidFinishLaunching();
+    instance.setHandler(&handler);
+    std::optional<ARXFileManagerService> fileManager;
+    if (instance.role() == ARXSingleInstance::Role::first) {
+        fileManager.emplace(QDBusConnection::sessionBus(), handler);
+        fileManager->start();
+    }
+    if (!paths.empty()) {
+        // After the windows that launching queued, so the paths land in the front workspace.
+        QTimer::singleShot(0, &delegate,
+                           [&handler, paths] { ARXSingleInstance::deliver(handler, paths); });
+    }
     return QApplication::exec();
 }
