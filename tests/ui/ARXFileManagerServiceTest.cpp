@@ -3,7 +3,6 @@
 #include "ARXServiceTestBus.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/ARXFileClipboard.h"
-#include "ui/desktop/ARXInstanceHandler.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -15,17 +14,7 @@
 
 namespace {
 
-using Paths = std::vector<Path>;
-
-class RecordingHandler : public ARXInstanceHandler {
-public:
-    void openFolders(const Paths& folders) override { calls.push_back({"open", folders}); }
-    void revealItems(const Paths& items) override { calls.push_back({"reveal", items}); }
-    void showItemProperties(const Paths& items) override { calls.push_back({"info", items}); }
-    void reopen() override { calls.push_back({"reopen", {}}); }
-
-    std::vector<std::pair<std::string, Paths>> calls;
-};
+using Calls = std::vector<ARXRecordingHandler::Call>;
 
 QString uri(const Path& path) {
     return QString::fromLatin1(ARXFileClipboard::fileUri(path));
@@ -63,7 +52,7 @@ protected:
         return waitUntil([&] { return _handler.calls.size() >= count; });
     }
 
-    RecordingHandler _handler;
+    ARXRecordingHandler _handler;
     std::unique_ptr<ARXServiceTestBus> _bus;
     std::unique_ptr<ARXFileManagerService> _service;
     QDBusConnection _caller{QString()};
@@ -81,47 +70,38 @@ TEST_F(ARXFileManagerServiceTest, ShowItemsRevealsLocalItemsAndReportsEveryOther
                        uri(ARXPath::join(home(), "missing.txt")), QStringLiteral("file://"),
                        QStringLiteral("not a uri"), QStringLiteral("file:///tmp/%00x"), QString(),
                        uri(folder) + QStringLiteral("/")});
-    ASSERT_TRUE(waitForCalls(1));
+    const bool arrived = waitForCalls(1);
     const std::string err = testing::internal::GetCapturedStderr();
-    ASSERT_EQ(_handler.calls.size(), 1u);
-    EXPECT_EQ(_handler.calls[0].first, "reveal");
+    ASSERT_TRUE(arrived);
     // A folder asked to be shown is selected in its parent, not opened.
-    EXPECT_EQ(_handler.calls[0].second, (Paths{odd, folder}));
-    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 7) << err;
+    EXPECT_EQ(_handler.calls, (Calls{{"reveal", {odd, folder}}}));
     std::istringstream lines(err);
-    for (std::string line; std::getline(lines, line);) {
+    size_t count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
         EXPECT_EQ(line.rfind("Atrium: ", 0), 0u) << line;
     }
+    EXPECT_EQ(count, 7u) << err;
     EXPECT_NE(err.find("missing.txt: No such file or directory"), std::string::npos) << err;
 }
 
-TEST_F(ARXFileManagerServiceTest, ShowFoldersOpensFoldersAndRevealsOtherItems) {
+TEST_F(ARXFileManagerServiceTest, FoldersOpenPropertiesShowAndEmptyCallsDoNothing) {
     const Path folder = ARXPath::join(home(), "Music");
     const Path file = ARXPath::join(home(), "song.ogg");
     makeFolder(folder);
     writeFile(file, "x");
-    call("ShowFolders", {uri(folder), uri(file)});
-    ASSERT_TRUE(waitForCalls(2));
-    EXPECT_EQ(_handler.calls[0], (std::pair<std::string, Paths>{"open", {folder}}));
-    EXPECT_EQ(_handler.calls[1], (std::pair<std::string, Paths>{"reveal", {file}}));
-
-    call("ShowItemProperties", {uri(file), uri(folder)});
-    ASSERT_TRUE(waitForCalls(3));
-    EXPECT_EQ(_handler.calls[2], (std::pair<std::string, Paths>{"info", {file, folder}}));
-}
-
-TEST_F(ARXFileManagerServiceTest, CallsWithNothingLeftToShowDoNothing) {
-    const Path folder = ARXPath::join(home(), "Last");
-    makeFolder(folder);
     testing::internal::CaptureStderr();
     call("ShowItems", {});
     call("ShowFolders", {QStringLiteral("smb://server/share")});
     call("ShowItemProperties", {uri(ARXPath::join(home(), "gone"))});
-    // Calls are handled in order, so once this one arrives the others had their turn.
-    call("ShowFolders", {uri(folder)});
-    ASSERT_TRUE(waitForCalls(1));
+    // A file among the folders is revealed rather than opened as a folder.
+    call("ShowFolders", {uri(folder), uri(file)});
+    call("ShowItemProperties", {uri(file), uri(folder)});
+    // Calls are handled in order, so the empty ones above had their turn.
+    const bool arrived = waitForCalls(3);
     testing::internal::GetCapturedStderr();
-    EXPECT_EQ(_handler.calls, (std::vector<std::pair<std::string, Paths>>{{"open", {folder}}}));
+    ASSERT_TRUE(arrived);
+    EXPECT_EQ(_handler.calls,
+              (Calls{{"open", {folder}}, {"reveal", {file}}, {"info", {file, folder}}}));
 }
 
 TEST_F(ARXFileManagerServiceTest, AnotherFileManagerKeepsTheNameQuietly) {
@@ -129,10 +109,9 @@ TEST_F(ARXFileManagerServiceTest, AnotherFileManagerKeepsTheNameQuietly) {
     QDBusConnection other = _bus->connect(QStringLiteral("other"));
     ASSERT_TRUE(other.registerService(ARXFileManagerService::serviceName));
 
-    RecordingHandler handler;
-    ARXFileManagerService second(_bus->connect(QStringLiteral("late")), handler);
+    ARXFileManagerService late(_bus->connect(QStringLiteral("late")), _handler);
     testing::internal::CaptureStderr();
-    EXPECT_FALSE(second.start());
+    EXPECT_FALSE(late.start());
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(other.interface()->serviceOwner(ARXFileManagerService::serviceName).value(),
               other.baseService());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/desktop/ARXInstanceHandler.h"
+
 #include <QDBusConnection>
 #include <QProcess>
 #include <QString>
@@ -7,7 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
+#include <string>
+#include <sys/prctl.h>
+#include <utility>
+#include <vector>
 
 // A session bus of the test's own: a dbus-daemon started for the test and stopped after it, so
 // that tests run on machines without a desktop session and never touch the user's bus. Each
@@ -19,6 +26,8 @@ public:
         _daemon.setArguments({QStringLiteral("--session"), QStringLiteral("--nofork"),
                               QStringLiteral("--print-address")});
         _daemon.setProcessChannelMode(QProcess::SeparateChannels);
+        // A test that aborts runs no destructor; the daemon must not outlive it.
+        _daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
         _daemon.start();
         if (!_daemon.waitForStarted(10000)) {
             _error = QStringLiteral("dbus-daemon did not start: ") + _daemon.errorString();
@@ -67,4 +76,16 @@ private:
     QString _address;
     QString _error;
     QStringList _connections;
+};
+
+// The application's side: each request as a kind and its paths.
+class ARXRecordingHandler : public ARXInstanceHandler {
+public:
+    using Call = std::pair<std::string, std::vector<Path>>;
+    void openFolders(const std::vector<Path>& p) override { calls.push_back({"open", p}); }
+    void revealItems(const std::vector<Path>& p) override { calls.push_back({"reveal", p}); }
+    void showItemProperties(const std::vector<Path>& p) override { calls.push_back({"info", p}); }
+    void reopen() override { calls.push_back({"reopen", {}}); }
+
+    std::vector<Call> calls;
 };

@@ -2,7 +2,6 @@
 
 #include "ARXServiceTestBus.h"
 #include "support/ARXTestEnvironment.h"
-#include "ui/desktop/ARXInstanceHandler.h"
 
 #include <QDBusMessage>
 #include <QSemaphore>
@@ -17,43 +16,17 @@
 namespace {
 
 using Paths = std::vector<Path>;
+using Calls = std::vector<ARXRecordingHandler::Call>;
+using Role = ARXSingleInstance::Role;
 
-struct Call {
-    std::string kind;
-    Paths paths;
-    bool operator==(const Call&) const = default;
-};
-
-void PrintTo(const Call& call, std::ostream* out) {
-    *out << call.kind << "(";
-    for (const Path& path : call.paths) {
-        *out << " " << path;
-    }
-    *out << " )";
-}
-
-class RecordingHandler : public ARXInstanceHandler {
-public:
-    void openFolders(const Paths& folders) override { calls.push_back({"open", folders}); }
-    void revealItems(const Paths& items) override { calls.push_back({"reveal", items}); }
-    void showItemProperties(const Paths& items) override { calls.push_back({"info", items}); }
-    void reopen() override { calls.push_back({"reopen", {}}); }
-
-    std::vector<Call> calls;
-};
-
-// Short waits, so that the tests of owners that never answer end soon.
-constexpr ARXSingleInstance::Timing kQuick{200, 2, 20};
-
-// A thread that never runs its event loop: an object living there receives calls that are never
-// answered, as in a first Atrium stuck while it starts.
+// A thread that never runs its event loop: an object living there is sent calls that are never
+// answered, as by a first Atrium stuck while it starts.
 class StalledThread : public QThread {
 public:
     ~StalledThread() override {
-        release();
+        _release.release();
         wait();
     }
-    void release() { _release.release(); }
 
 protected:
     void run() override { _release.acquire(); }
@@ -61,6 +34,10 @@ protected:
 private:
     QSemaphore _release;
 };
+
+size_t lineCount(const std::string& text) {
+    return size_t(std::count(text.begin(), text.end(), '\n'));
+}
 
 class ARXSingleInstanceTest : public ARXTestEnvironment {
 protected:
@@ -76,64 +53,45 @@ protected:
         ARXTestEnvironment::TearDown();
     }
 
-    // One Atrium process: its own connection and its single-instance object.
+    // One Atrium process: a connection of its own, and short waits for owners that never answer.
     std::unique_ptr<ARXSingleInstance> process(const QString& name) {
         auto instance = std::make_unique<ARXSingleInstance>(_bus->connect(name));
-        instance->setTiming(kQuick);
+        instance->setTiming({200, 2, 20});
         return instance;
     }
 
     std::unique_ptr<ARXServiceTestBus> _bus;
 };
 
-TEST_F(ARXSingleInstanceTest, ASecondStartHandsItsPathsToTheFirstAndEnds) {
+TEST_F(ARXSingleInstanceTest, LaterStartsHandTheirPathsOrAnActivationToTheFirst) {
     const Path folder = ARXPath::join(home(), "Projects");
     const Path file = ARXPath::join(home(), "caf\xe9 \xff.txt"); // not UTF-8
     makeFolder(folder);
     writeFile(file, "x");
-
-    RecordingHandler handler;
     auto first = process(QStringLiteral("first"));
-    ASSERT_EQ(first->start({}), ARXSingleInstance::Role::first);
+    ASSERT_EQ(first->start({}), Role::first);
+
+    // Requests that come before the application is ready wait for it, in order.
+    EXPECT_EQ(process(QStringLiteral("second"))->start({folder, file}), Role::handedOver);
+    EXPECT_EQ(process(QStringLiteral("third"))->start({}), Role::handedOver);
+    ARXRecordingHandler handler;
     first->setHandler(&handler);
-
-    auto second = process(QStringLiteral("second"));
-    EXPECT_EQ(second->start({folder, file}), ARXSingleInstance::Role::handedOver);
-    ASSERT_TRUE(waitUntil([&] { return handler.calls.size() == 2; }));
-    EXPECT_EQ(handler.calls[0], (Call{"open", {folder}}));
-    EXPECT_EQ(handler.calls[1], (Call{"reveal", {file}}));
-
-    // A third start with nothing to show runs the reopen path of the first.
-    auto third = process(QStringLiteral("third"));
-    EXPECT_EQ(third->start({}), ARXSingleInstance::Role::handedOver);
     ASSERT_TRUE(waitUntil([&] { return handler.calls.size() == 3; }));
-    EXPECT_EQ(handler.calls[2], (Call{"reopen", {}}));
+    EXPECT_EQ(handler.calls, (Calls{{"open", {folder}}, {"reveal", {file}}, {"reopen", {}}}));
+
+    // When the first quits, the next start takes its place.
+    first.reset();
+    EXPECT_EQ(process(QStringLiteral("fourth"))->start({}), Role::first);
 }
 
-TEST_F(ARXSingleInstanceTest, RequestsBeforeTheHandlerWaitForItInOrder) {
-    const Path folder = ARXPath::join(home(), "a");
-    makeFolder(folder);
-    auto first = process(QStringLiteral("first"));
-    ASSERT_EQ(first->start({}), ARXSingleInstance::Role::first);
-
-    EXPECT_EQ(process(QStringLiteral("s1"))->start({}), ARXSingleInstance::Role::handedOver);
-    EXPECT_EQ(process(QStringLiteral("s2"))->start({folder}), ARXSingleInstance::Role::handedOver);
-    spin(50);
-
-    RecordingHandler handler;
-    first->setHandler(&handler);
-    ASSERT_TRUE(waitUntil([&] { return handler.calls.size() == 2; }));
-    EXPECT_EQ(handler.calls, (std::vector<Call>{{"reopen", {}}, {"open", {folder}}}));
-}
-
-TEST_F(ARXSingleInstanceTest, RepeatedCallsFromOneSenderCountOnceAndRelativePathsAreLeftOut) {
+TEST_F(ARXSingleInstanceTest, ARetriedCallCountsOnceAndRelativePathsAreLeftOut) {
     const Path a = ARXPath::join(home(), "a");
     const Path b = ARXPath::join(home(), "b");
     makeFolder(a);
     makeFolder(b);
-    RecordingHandler handler;
+    ARXRecordingHandler handler;
     auto first = process(QStringLiteral("first"));
-    ASSERT_EQ(first->start({}), ARXSingleInstance::Role::first);
+    ASSERT_EQ(first->start({}), Role::first);
     first->setHandler(&handler);
 
     QDBusConnection caller = _bus->connect(QStringLiteral("caller"));
@@ -142,95 +100,75 @@ TEST_F(ARXSingleInstanceTest, RepeatedCallsFromOneSenderCountOnceAndRelativePath
             ARXSingleInstance::serviceName, ARXSingleInstance::objectPath,
             ARXSingleInstance::interfaceName, QStringLiteral("Open"));
         call << QVariant::fromValue(paths);
-        const QDBusMessage reply = caller.call(call, QDBus::BlockWithGui, 5000);
-        EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+        EXPECT_EQ(caller.call(call, QDBus::BlockWithGui, 5000).type(), QDBusMessage::ReplyMessage);
     };
-    // The retry of a second start whose first call timed out: the same call twice.
+    // A second start whose first call timed out sends the same call again.
     open({QByteArray::fromStdString(a)});
     open({QByteArray::fromStdString(a)});
-    // A different request from the same sender, with a path that has no folder to be taken
-    // against, and "." components that the sender did not tidy.
     testing::internal::CaptureStderr();
     open({"relative/x", QByteArray::fromStdString(b + "/./")});
-    ASSERT_TRUE(waitUntil([&] { return handler.calls.size() == 2; }));
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("Atrium: \"relative/x\""),
-              std::string::npos);
-    EXPECT_EQ(handler.calls, (std::vector<Call>{{"open", {a}}, {"open", {b}}}));
+    const bool arrived = waitUntil([&] { return handler.calls.size() == 2; });
+    EXPECT_EQ(testing::internal::GetCapturedStderr().rfind("Atrium: \"relative/x\"", 0), 0u);
+    ASSERT_TRUE(arrived);
+    EXPECT_EQ(handler.calls, (Calls{{"open", {a}}, {"open", {b}}}));
 }
 
-TEST_F(ARXSingleInstanceTest, AFirstThatQuitIsSucceededByTheNextStart) {
-    auto first = process(QStringLiteral("first"));
-    ASSERT_EQ(first->start({}), ARXSingleInstance::Role::first);
-    first.reset();
-    auto next = process(QStringLiteral("next"));
-    EXPECT_EQ(next->start({}), ARXSingleInstance::Role::first);
-}
-
-TEST_F(ARXSingleInstanceTest, AnOwnerThatExportsNothingYetIsGivenUpOn) {
-    // A first process that owns the name but has not exported its object.
-    QDBusConnection owner = _bus->connect(QStringLiteral("owner"));
-    ASSERT_TRUE(owner.registerService(ARXSingleInstance::serviceName));
-
-    auto second = process(QStringLiteral("second"));
+TEST_F(ARXSingleInstanceTest, OwnersThatDoNotAnswerAreGivenUpOnWithoutHanging) {
+    // Owns the name but has not exported its object yet: every call fails at once.
+    QDBusConnection early = _bus->connect(QStringLiteral("early"));
+    ASSERT_TRUE(early.registerService(ARXSingleInstance::serviceName));
     testing::internal::CaptureStderr();
-    EXPECT_EQ(second->start({home()}), ARXSingleInstance::Role::standalone);
-    const std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(process(QStringLiteral("second"))->start({home()}), Role::standalone);
+    std::string err = testing::internal::GetCapturedStderr();
     EXPECT_EQ(err.rfind("Atrium: the running Atrium does not answer", 0), 0u) << err;
-    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1);
-}
+    EXPECT_EQ(lineCount(err), 1u);
+    ASSERT_TRUE(early.unregisterService(ARXSingleInstance::serviceName));
 
-TEST_F(ARXSingleInstanceTest, AnOwnerThatNeverAnswersIsGivenUpOnWithoutHanging) {
-    QDBusConnection owner = _bus->connect(QStringLiteral("owner"));
+    // Owns the name and the object, but never runs its event loop: every call times out.
+    QDBusConnection stuck = _bus->connect(QStringLiteral("stuck"));
     StalledThread thread;
     thread.start();
-    auto stuck = std::make_unique<ARXSingleInstance>(owner);
-    stuck->moveToThread(&thread);
-    ASSERT_TRUE(owner.registerObject(ARXSingleInstance::objectPath, stuck.get(),
+    auto object = std::make_unique<ARXSingleInstance>(stuck);
+    object->moveToThread(&thread);
+    ASSERT_TRUE(stuck.registerObject(ARXSingleInstance::objectPath, object.get(),
                                      QDBusConnection::ExportScriptableSlots));
-    ASSERT_TRUE(owner.registerService(ARXSingleInstance::serviceName));
-
-    auto second = process(QStringLiteral("second"));
+    ASSERT_TRUE(stuck.registerService(ARXSingleInstance::serviceName));
     testing::internal::CaptureStderr();
-    EXPECT_EQ(second->start({}), ARXSingleInstance::Role::standalone);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("Atrium: "), std::string::npos);
-
-    owner.unregisterObject(ARXSingleInstance::objectPath);
-    QDBusConnection::disconnectFromBus(QStringLiteral("owner"));
-    thread.release();
-    thread.wait();
+    EXPECT_EQ(process(QStringLiteral("third"))->start({}), Role::standalone);
+    EXPECT_EQ(lineCount(testing::internal::GetCapturedStderr()), 1u);
+    stuck.unregisterObject(ARXSingleInstance::objectPath);
+    QDBusConnection::disconnectFromBus(QStringLiteral("stuck"));
 }
 
 TEST_F(ARXSingleInstanceTest, WithoutABusEveryStartRunsOnItsOwn) {
-    ARXSingleInstance instance(QDBusConnection::connectToBus(
-        QStringLiteral("unix:path=/nonexistent/bus"), QStringLiteral("nobus")));
+    const QString name = QStringLiteral("nobus");
+    ARXSingleInstance instance(
+        QDBusConnection::connectToBus(QStringLiteral("unix:path=/nonexistent/bus"), name));
     testing::internal::CaptureStderr();
-    EXPECT_EQ(instance.start({home()}), ARXSingleInstance::Role::standalone);
+    EXPECT_EQ(instance.start({home()}), Role::standalone);
     const std::string err = testing::internal::GetCapturedStderr();
     EXPECT_EQ(err.rfind("Atrium: no session bus", 0), 0u) << err;
-    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1);
-    QDBusConnection::disconnectFromBus(QStringLiteral("nobus"));
+    EXPECT_EQ(lineCount(err), 1u);
+    QDBusConnection::disconnectFromBus(name);
 }
 
 TEST(ARXSingleInstancePathsTest, ArgumentsBecomeAbsoluteByteForByte) {
     const Path cwd = "/home/u/work";
-    EXPECT_EQ(ARXSingleInstance::absolutePath(".", cwd), cwd);
-    EXPECT_EQ(ARXSingleInstance::absolutePath("./", cwd), cwd);
-    EXPECT_EQ(ARXSingleInstance::absolutePath("a//b/./c/", cwd), "/home/u/work/a/b/c");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("caf\xe9", cwd), "/home/u/work/caf\xe9");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("../x", cwd), "/home/u/work/../x");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("/", cwd), "/");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("/tmp/", cwd), "/tmp");
-    // A colon does not make a URI.
-    EXPECT_EQ(ARXSingleInstance::absolutePath("notes:old", cwd), "/home/u/work/notes:old");
+    const auto absolute = [&](const char* argument) {
+        return ARXSingleInstance::absolutePath(argument, cwd);
+    };
+    EXPECT_EQ(absolute("./"), cwd);
+    EXPECT_EQ(absolute("a//b/./c/"), "/home/u/work/a/b/c");
+    EXPECT_EQ(absolute("caf\xe9/../x"), "/home/u/work/caf\xe9/../x");
+    EXPECT_EQ(absolute("/"), "/");
+    EXPECT_EQ(absolute("notes:old"), "/home/u/work/notes:old"); // a colon makes no URI
     // Desktop entries pass URIs (%U).
-    EXPECT_EQ(ARXSingleInstance::absolutePath("file:///tmp/caf%E9%20a/", cwd), "/tmp/caf\xe9 a");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("FILE:///tmp/x", cwd), "/tmp/x");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("file:/tmp/x", cwd), "/tmp/x");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("file://localhost/tmp/x", cwd), "/tmp/x");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("file://elsewhere/tmp/x", cwd), "");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("sftp://host/tmp/x", cwd), "");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("file:///tmp/%00x", cwd), "");
-    EXPECT_EQ(ARXSingleInstance::absolutePath("", cwd), "");
+    EXPECT_EQ(absolute("file:///tmp/caf%E9%20a/"), "/tmp/caf\xe9 a");
+    EXPECT_EQ(absolute("FILE:/tmp/x"), "/tmp/x");
+    EXPECT_EQ(absolute("file://localhost/tmp/x"), "/tmp/x");
+    for (const char* notLocal : {"file://elsewhere/tmp/x", "sftp://host/x", "file:///%00x", ""}) {
+        EXPECT_EQ(absolute(notLocal), "") << notLocal;
+    }
 }
 
 TEST_F(ARXSingleInstanceTest, CommandLinePathsAndDeliveryLeaveOutWhatIsNotThere) {
@@ -248,23 +186,18 @@ TEST_F(ARXSingleInstanceTest, CommandLinePathsAndDeliveryLeaveOutWhatIsNotThere)
         {"dir/", "missing", "f.txt", "https://example.org/", "to-dir", "dangling"}, home());
     std::string err = testing::internal::GetCapturedStderr();
     EXPECT_EQ(paths, (Paths{folder, file, folderLink, dangling}));
-    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 2) << err;
+    EXPECT_EQ(lineCount(err), 2u) << err;
     EXPECT_NE(err.find("Atrium: " + ARXPath::join(home(), "missing") + ": "), std::string::npos);
     EXPECT_NE(err.find("Atrium: https://example.org/: not a local file"), std::string::npos);
 
-    // A link to a folder opens the folder; a dangling link is revealed like a file. An item gone
-    // by the time it is delivered is reported and left out.
-    RecordingHandler handler;
+    // A link to a folder opens the folder; a dangling link is revealed like a file; an item gone
+    // by the time it is delivered is left out, and with nothing left the window comes forward.
+    ARXRecordingHandler handler;
     ARXSingleInstance::deliver(handler, {folder, file, folderLink, dangling, "/nonexistent"});
-    EXPECT_EQ(handler.calls,
-              (std::vector<Call>{{"open", {folder, folderLink}}, {"reveal", {file, dangling}}}));
-    // Nothing left to show at all: the window comes forward instead.
-    handler.calls.clear();
-    testing::internal::CaptureStderr();
     ARXSingleInstance::deliver(handler, {"/nonexistent"});
-    err = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(handler.calls, (std::vector<Call>{{"reopen", {}}}));
-    EXPECT_EQ(err.rfind("Atrium: /nonexistent: ", 0), 0u) << err;
+    EXPECT_EQ(
+        handler.calls,
+        (Calls{{"open", {folder, folderLink}}, {"reveal", {file, dangling}}, {"reopen", {}}}));
 }
 
 } // namespace
