@@ -29,8 +29,9 @@ for _ in $(seq 1 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
 export XDG_CONFIG_HOME="$scratch/config" XDG_DATA_HOME="$scratch/data" XDG_CACHE_HOME="$scratch/cache"
 export XDG_RUNTIME_DIR="$scratch/runtime"
 mkdir -p -m 700 "$XDG_RUNTIME_DIR"
-# No session bus: each start is a first start, never handed to a running instance.
-unset DBUS_SESSION_BUS_ADDRESS
+# No session bus (and none autolaunched): each start is a first start, never handed to a
+# running instance.
+export DBUS_SESSION_BUS_ADDRESS=disabled:
 
 # Four folders of 2,000 files each, one per pane.
 folders="$scratch/folders"
