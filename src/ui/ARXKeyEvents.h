@@ -2,6 +2,8 @@
 
 #include "actions/ARXHotkey.h"
 
+#include <QKeySequence>
+
 class QKeyEvent;
 
 // Key presses in the stored hotkey form. Ctrl is "cmd", Meta is "ctrl", Alt is "option", as Qt
@@ -10,5 +12,9 @@ class QKeyEvent;
 namespace ARXKeyEvents {
 
 ARXHotkey hotkeyOf(const QKeyEvent* event);
+
+// The key combination that hotkeyOf names `hotkey`, for showing it the way the desktop writes
+// shortcuts ("Ctrl+Backspace"); empty for a key Qt has no code for.
+QKeySequence sequenceOf(const ARXHotkey& hotkey);
 
 } // namespace ARXKeyEvents
