@@ -1,6 +1,7 @@
 #include "app/ARXConf.h"
 
 #include "app/ARXNotificationNames.h"
+#include "app/ARXToolbarConfiguration.h"
 #include "platform/ARXProgramLookup.h"
 #include "platform/ARXSystemPaths.h"
 
@@ -193,6 +194,8 @@ ARX_OPTION(ARXOption<qint64>, cached_app_review_prompted_count, 0)
 ARX_OPTION(ARXOption<QString>, cached_app_review_last_version, QString())
 ARX_OPTION(ARXOption<QDateTime>, cached_app_review_last_time, QDateTime::currentDateTime())
 ARX_OPTION(ARXOption<QJsonObject>, cached_bookmarks, QJsonObject())
+ARX_OPTION(ARXOption<QStringList>, cached_toolbar_items, QStringList())
+ARX_OPTION(ARXOption<bool>, cached_toolbar_small_icons, false)
 
 #undef ARX_OPTION
 
@@ -249,6 +252,8 @@ const QList<ARXSettingInfo>& catalogue() {
         info(cached_app_review_last_time()),
         // The access cache writes its bookmarks and then tells the panes what was granted.
         info(cached_bookmarks(), N::rv_cached_security_scoped_updated),
+        info(cached_toolbar_items(), ARXToolbarConfiguration::changedNotification),
+        info(cached_toolbar_small_icons(), ARXToolbarConfiguration::changedNotification),
     };
     return list;
 }

@@ -94,6 +94,9 @@ const ARXOption<qint64>& cached_app_review_prompted_count();
 const ARXOption<QString>& cached_app_review_last_version();
 const ARXOption<QDateTime>& cached_app_review_last_time();
 const ARXOption<QJsonObject>& cached_bookmarks(); // path -> base64 bookmark data
+// The workspace windows' toolbar, through ARXToolbarConfiguration. An empty list is the default.
+const ARXOption<QStringList>& cached_toolbar_items();
+const ARXOption<bool>& cached_toolbar_small_icons();
 
 // Every key above, in this order.
 const QList<ARXSettingInfo>& catalogue();
