@@ -12,7 +12,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <map>
 #include <set>
 
 namespace {
@@ -74,76 +73,48 @@ protected:
     ARXMainMenu* menu = nullptr;
 };
 
-TEST_F(ARXMainMenuTest, EveryOutletHasItsItemWithTheCatalogueTitle) {
-    const std::map<QString, A> outlets{
-        {"menuitem_File_NewWorkspace", A::NewWorkspace},
-        {"menuitem_File_NewFolder", A::NewFolder},
-        {"menuitem_File_NewFolderWithSelection", A::NewFolderWithSelection},
-        {"menuitem_File_Open", A::Open},
-        {"menuitem_File_OpenInTerminal", A::OpenInTerminal},
-        {"menuitem_File_OpenInEditor", A::OpenInEditor},
-        {"menuitem_File_Refresh", A::RefreshView},
-        {"menuitem_File_Save", A::Save},
-        {"menuitem_File_Close", A::Close},
-        {"menuitem_File_GetInfo", A::GetInfo},
-        {"menuitem_File_Rename", A::Rename},
-        {"menuitem_File_Compress", A::Compress},
-        {"menuitem_File_Duplicate", A::Duplicate},
-        {"menuitem_File_QuickLook", A::QuickLook},
-        {"menuitem_File_Trash", A::Trash},
-        {"menuitem_Edit_Undo", A::Undo},
-        {"menuitem_Edit_Redo", A::Redo},
-        {"menuitem_Edit_Cut", A::Cut},
-        {"menuitem_Edit_Copy", A::Copy},
-        {"menuitem_Edit_Paste", A::Paste},
-        {"menuitem_Edit_SelectAll", A::SelectAll},
-        {"menuitem_View_asIcons", A::asIconsView},
-        {"menuitem_View_asList", A::asListView},
-        {"menuitem_View_asColumns", A::asColumnsView},
-        {"menuitem_View_Sidebar", A::Sidebar},
-        {"menuitem_View_StatusBar", A::StatusBar},
-        {"menuitem_View_FullScreen", A::FullScreen},
-        {"menuitem_Go_Back", A::GoBack},
-        {"menuitem_Go_Forward", A::GoForward},
-        {"menuitem_Go_EnclosingFolder", A::GoEnclosingFolder},
-        {"menuitem_Go_Documents", A::GoDocuments},
-        {"menuitem_Go_Desktop", A::GoDesktop},
-        {"menuitem_Go_Downloads", A::GoDownloads},
-        {"menuitem_Go_Home", A::GoHome},
-        {"menuitem_Go_iCloudDrive", A::GoiCloudDrive},
-        {"menuitem_Go_GoToLocation", A::GoToLocation},
-        {"menuitem_Window_Minimize", A::MinimizeWindow},
-        {"menuitem_Window_Zoom", A::ZoomWindow},
-        {"menuitem_Window_BringAllToFront", A::BringAllToFront},
-    };
-    ASSERT_EQ(outlets.size(), 39u);
-    for (const auto& [name, type] : outlets) {
-        QAction* item = menu->outlet(name);
-        ASSERT_NE(item, nullptr) << name.toStdString();
-        EXPECT_EQ(menu->item(type), item) << name.toStdString();
-        // Each sits in the menu its outlet names.
-        const QString menuWord = name.section(u'_', 1, 1);
-        ASSERT_NE(menuTitled(u'&' + menuWord), nullptr) << name.toStdString();
-        EXPECT_TRUE(menuTitled(u'&' + menuWord)->actions().contains(item)) << name.toStdString();
-    }
-    EXPECT_EQ(menu->item(A::Copy)->text(), QStringLiteral("Copy"));
-    EXPECT_EQ(menu->item(A::asListView)->text(), QStringLiteral("as List view"));
-    EXPECT_EQ(menu->item(A::GoiCloudDrive)->text(), QStringLiteral("iCloud Drive"));
-    EXPECT_EQ(menu->outlet(QStringLiteral("menuitem_File_NoSuchItem")), nullptr);
-    EXPECT_EQ(menu->item(A::CopyPath), nullptr);
-
-    // The window's own items.
-    EXPECT_EQ(menu->item(A::HiddenFiles)->text(), QStringLiteral("Hidden Files"));
-    EXPECT_EQ(menu->item(A::PinTop)->text(), QStringLiteral("Sticky Window"));
-    EXPECT_EQ(menu->quitItem()->text(), QStringLiteral("Quit"));
-    EXPECT_EQ(menu->quitItem()->shortcut(), QKeySequence(Qt::ControlModifier | Qt::Key_Q));
-    EXPECT_EQ(menu->customizeToolbarItem()->text(), QStringLiteral("Customize Toolbar…"));
-    EXPECT_TRUE(menu->smallToolbarIconsItem()->isCheckable());
+TEST_F(ARXMainMenuTest, EveryOutletIsAnItemOfItsMenuWithTheCatalogueTitle) {
     QStringList titles;
     for (QAction* title : window->menuBar()->actions()) {
         titles.append(title->text());
     }
     EXPECT_EQ(titles, QStringList({"&File", "&Edit", "&View", "&Go", "&Window"}));
+
+    // Outlets are "menuitem_<menu>_<item>", each in its menu, each action in one item.
+    std::set<A> types;
+    for (QMenu* each : menu->menus()) {
+        const QString prefix = "menuitem_" + each->title().mid(1) + "_";
+        for (QAction* item : each->actions()) {
+            if (item->isSeparator()) {
+                continue;
+            }
+            EXPECT_TRUE(item->objectName().startsWith(prefix)) << item->objectName().toStdString();
+            EXPECT_EQ(menu->outlet(item->objectName()), item);
+            if (item->data().isValid()) {
+                const A type = A(item->data().toInt());
+                EXPECT_TRUE(types.insert(type).second);
+                EXPECT_EQ(menu->item(type), item);
+            }
+        }
+    }
+    // The thirty-nine outlets of the hotkey table, and Hidden Files and Sticky Window.
+    EXPECT_EQ(types.size(), 41u);
+    EXPECT_EQ(menu->outlet(QStringLiteral("menuitem_File_NewFolderWithSelection")),
+              menu->item(A::NewFolderWithSelection));
+    EXPECT_EQ(menu->outlet(QStringLiteral("menuitem_Go_iCloudDrive")),
+              menu->item(A::GoiCloudDrive));
+    EXPECT_EQ(menu->outlet(QStringLiteral("menuitem_Window_BringAllToFront")),
+              menu->item(A::BringAllToFront));
+    EXPECT_EQ(menu->outlet(QStringLiteral("menuitem_File_NoSuchItem")), nullptr);
+    EXPECT_EQ(menu->item(A::CopyPath), nullptr);
+
+    EXPECT_EQ(menu->item(A::Copy)->text(), QStringLiteral("Copy"));
+    EXPECT_EQ(menu->item(A::asListView)->text(), QStringLiteral("as List view"));
+    EXPECT_EQ(menu->item(A::PinTop)->text(), QStringLiteral("Sticky Window"));
+    EXPECT_EQ(menu->quitItem()->text(), QStringLiteral("Quit"));
+    EXPECT_EQ(menu->quitItem()->shortcut(), QKeySequence(Qt::ControlModifier | Qt::Key_Q));
+    EXPECT_EQ(menu->customizeToolbarItem()->text(), QStringLiteral("Customize Toolbar…"));
+    EXPECT_TRUE(menu->smallToolbarIconsItem()->isCheckable());
 }
 
 TEST_F(ARXMainMenuTest, ItemsShowTheirHotkeysAsTheDesktopWritesThem) {
