@@ -152,6 +152,8 @@ TEST_F(ARXConfTest, CatalogueListsEveryKeyWithItsFormDefaultAndNotification) {
         {"cached_app_review_last_version", F::string, "", ""},
         {"cached_app_review_last_time", F::date, "", undefined},
         {"cached_bookmarks", F::dictionary, "rv_cached_security_scoped_updated", QJsonObject()},
+        {"cached_toolbar_items", F::stringList, "rv_toolbar_configuration_changed", QJsonArray()},
+        {"cached_toolbar_small_icons", F::boolean, "rv_toolbar_configuration_changed", false},
     };
 
     const QList<ARXSettingInfo>& catalogue = ARXConf::catalogue();
