@@ -39,7 +39,7 @@ int clampedSidebarWidth(double width) {
 
 } // namespace
 
-ARXAtriumViewController::ARXAtriumViewController(QWidget* parent) : QWidget(parent) {
+ARXAtriumViewController::ARXAtriumViewController(QWidget* parent) : ARXViewController(parent) {
     for (ARXAtriumLayoutId id : ARXAtriumLayout::all()) {
         _layouts.emplace_back(id);
     }

@@ -2,6 +2,7 @@
 
 #include "app/ARXAtriumData.h"
 #include "model/ARXSpaceSquareViewMoveDirection.h"
+#include "ui/ARXViewController.h"
 #include "ui/layout/ARXAtriumLayout.h"
 #include "ui/layout/ARXAtriumLayoutBuilder.h"
 #include "ui/spaceviews/ARXSpaceSquareView.h"
@@ -55,7 +56,7 @@ public:
 // and of the layouts' trees, and it changes when panes are swapped.
 //
 // At most one pane is active at a time; the window sends actions to it.
-class ARXAtriumViewController : public QWidget, public ARXSpaceSquareViewDelegate {
+class ARXAtriumViewController : public ARXViewController, public ARXSpaceSquareViewDelegate {
     Q_OBJECT
 
 public:

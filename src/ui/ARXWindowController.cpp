@@ -1,0 +1,62 @@
+#include "ui/ARXWindowController.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+
+namespace {
+
+QList<ARXWindowController*>& shownSet() {
+    static QList<ARXWindowController*> set;
+    return set;
+}
+
+} // namespace
+
+ARXWindowController::ARXWindowController(QObject* parent) : QObject(parent) {}
+
+ARXWindowController::~ARXWindowController() {
+    shownSet().removeAll(this);
+}
+
+QList<ARXWindowController*> ARXWindowController::shownControllers() {
+    return shownSet();
+}
+
+void ARXWindowController::showWindow() {
+    QWidget* top = window();
+    if (!top) {
+        return;
+    }
+    if (top->isMinimized()) {
+        top->showNormal();
+    } else {
+        top->show();
+    }
+    if (_firstVisible) {
+        onFirstVisible();
+    }
+    if (!shownSet().contains(this)) {
+        shownSet().append(this);
+    }
+    top->raise();
+    top->activateWindow();
+}
+
+void ARXWindowController::onFirstVisible() {
+    _firstVisible = false;
+    QWidget* top = window();
+    if (_alignCenter && top) {
+        QScreen* screen = top->screen() ? top->screen() : QGuiApplication::primaryScreen();
+        if (screen) {
+            QRect frame = top->frameGeometry();
+            frame.moveCenter(screen->availableGeometry().center());
+            top->move(frame.topLeft());
+        }
+    }
+}
+
+void ARXWindowController::close() {
+    shownSet().removeAll(this);
+    deleteLater();
+}
