@@ -74,19 +74,20 @@ Path workingDirectory() {
     return Path(buffer.c_str());
 }
 
-// The application as the D-Bus services see it. The delegate's entry points for paths,
-// properties and reopening come with the windows; until then requests are taken and dropped.
+// The application as the D-Bus services and a second start see it.
 class DelegateInstanceHandler : public ARXInstanceHandler {
 public:
     explicit DelegateInstanceHandler(ARXAppDelegate& delegate) : _delegate(&delegate) {}
 
-    void openFolders(const std::vector<Path>&) override {}
-    void revealItems(const std::vector<Path>&) override {}
-    void showItemProperties(const std::vector<Path>&) override {}
-    void reopen() override {}
+    void openFolders(const std::vector<Path>& paths) override { _delegate->openPaths(paths); }
+    void revealItems(const std::vector<Path>& paths) override { _delegate->revealPaths(paths); }
+    void showItemProperties(const std::vector<Path>& paths) override {
+        _delegate->showProperties(paths);
+    }
+    void reopen() override { _delegate->reopen(); }
 
 private:
-    [[maybe_unused]] ARXAppDelegate* _delegate;
+    ARXAppDelegate* _delegate;
 };
 
 } // namespace
@@ -105,6 +106,9 @@ int main(int argc, char** argv) {
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == QStringLiteral("hicolor")) {
         QIcon::setThemeName(QStringLiteral("Adwaita"));
     }
+    QApplication::setWindowIcon(
+        QIcon::fromTheme(QStringLiteral("com.brightmoor.atrium"),
+                         QIcon(QStringLiteral(":/icons/com.brightmoor.atrium.svg"))));
     QCommandLineParser parser;
     describe(app, parser);
 

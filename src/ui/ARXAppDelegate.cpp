@@ -2,14 +2,64 @@
 
 #include "app/ARXConf.h"
 #include "app/ARXDataCenter.h"
+#include "app/ARXNotificationNames.h"
 #include "app/ARXRestorePlan.h"
+#include "app/ARXWindowSession.h"
 #include "model/ARXEntryPointManager.h"
 #include "model/ARXFileTagManager.h"
 #include "platform/ARXMainQueue.h"
+#include "platform/ARXNotificationCenter.h"
 #include "ui/ARXAppearance.h"
-#include "ui/ARXWorkspacePlaceholderWindow.h"
+#include "ui/window/ARXAtriumWindow.h"
+#include "ui/window/ARXAtriumWindowController.h"
+#include "ui/window/ARXOpenWorkspaces.h"
+#include "ui/window/ARXWorkspacesMenu.h"
 
-ARXAppDelegate::ARXAppDelegate(QObject* parent) : QObject(parent) {}
+#include <QApplication>
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+namespace {
+
+std::optional<bool> trayForTesting;
+std::function<void()> quitForTesting;
+
+void quitApplication() {
+    if (quitForTesting) {
+        quitForTesting();
+    } else {
+        QCoreApplication::quit();
+    }
+}
+
+bool trayAvailable() {
+    return trayForTesting ? *trayForTesting : QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+// The workspace in front: the one whose window was active last, else the first open.
+ARXAtriumWindowController* frontController() {
+    ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
+    if (ARXAtriumWindowController* active = open.active()) {
+        return active;
+    }
+    const QList<ARXAtriumWindowController*> controllers = open.controllers();
+    return controllers.isEmpty() ? nullptr : controllers.first();
+}
+
+} // namespace
+
+ARXAppDelegate::ARXAppDelegate(QObject* parent) : QObject(parent) {
+    // Whether the program ends with its last window is decided here, not by Qt.
+    QApplication::setQuitOnLastWindowClosed(false);
+    connect(&ARXOpenWorkspaces::shared(), &ARXOpenWorkspaces::lastWindowClosed, this,
+            &ARXAppDelegate::applicationLastWindowClosed);
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &ARXAppDelegate::applicationWillTerminate);
+}
+
+ARXAppDelegate::~ARXAppDelegate() {
+    delete _statusItem.data();
+}
 
 void ARXAppDelegate::applicationDidFinishLaunching() {
     ARXAppearance::apply(ARXConf::settings_appearance().value());
@@ -18,44 +68,195 @@ void ARXAppDelegate::applicationDidFinishLaunching() {
     ARXEntryPointManager::shared().refreshHomePoints();
     ARXFileTagManager::shared(); // tag colours for every entry
     restoreWorkspaces();
+    notifyAppStatusbarSettingsChanged();
+    updateMenuItemHotkeys();
+    ARXNotificationCenter& center = ARXNotificationCenter::shared();
+    center.addObserver(ARXNotificationName::rv_settings_app_status_bar_entry_changed, this,
+                       [this](const ARXNotification&) { notifyAppStatusbarSettingsChanged(); });
+    center.addObserver(ARXNotificationName::rv_settings_custom_hotkey_changed, this,
+                       [this](const ARXNotification&) { updateMenuItemHotkeys(); });
 }
+
+// ----- windows
 
 void ARXAppDelegate::restoreWorkspaces() {
     const ARXRestorePlan plan = ARXRestorePlan::make();
+    ARXOpenWorkspaces::shared().pendingClose.reset();
     for (const QString& name : plan.windows) {
-        ARXMainQueue::async([this, name] { openWorkspace(name); });
+        ARXMainQueue::async([name] { ARXAtriumWindowController::open(name, false)->showWindow(); });
     }
-    // Until windows hold tabs, each workspace of a group opens in its own window, in order.
     for (const QStringList& group : plan.tabGroups) {
-        ARXMainQueue::async([this, group] {
-            for (const QString& name : group) {
-                openWorkspace(name);
-            }
-        });
+        ARXMainQueue::async([this, group] { openTabGroup(group); });
     }
 }
 
-void ARXAppDelegate::openWorkspace(const QString& name) {
-    auto it = _openWindows.find(name);
-    if (it == _openWindows.end() || !it->second) {
-        ARXDataCenter& center = ARXDataCenter::shared();
-        auto data = center.load(center.path(name));
-        auto* window =
-            new ARXWorkspacePlaceholderWindow(name, data.value_or(ARXDataCenter::emptyWorkspace()));
-        window->setAttribute(Qt::WA_DeleteOnClose);
-        it = _openWindows.insert_or_assign(name, window).first;
+void ARXAppDelegate::openTabGroup(const QStringList& names) {
+    ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
+    ARXAtriumWindow* window = nullptr;
+    ARXAtriumWindowController* shown = nullptr;
+    // From the last name to the first, each new one placed before the others, so the tabs end up
+    // in the stored order; the window takes the frame of the workspace it was made for.
+    for (auto it = names.crbegin(); it != names.crend(); ++it) {
+        if (open.find(*it)) {
+            continue;
+        }
+        ARXAtriumWindowController* controller = ARXAtriumWindowController::open(*it, false);
+        if (!window) {
+            controller->showWindow();
+            window = controller->atriumWindow();
+            shown = controller;
+        } else {
+            window->addTabbedController(controller, 0);
+        }
     }
-    it->second->show();
-    it->second->raise();
-    it->second->activateWindow();
+    if (window && shown) {
+        window->setCurrentController(shown);
+    }
+}
+
+void ARXAppDelegate::reopen() {
+    if (ARXOpenWorkspaces::shared().isEmpty()) {
+        restoreWorkspaces();
+        return;
+    }
+    if (ARXAtriumWindowController* front = frontController()) {
+        front->showWindow();
+    }
+}
+
+void ARXAppDelegate::applicationLastWindowClosed() {
+    ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
+    if (!open.isEmpty()) {
+        return;
+    }
+    ARXWindowSession::rememberLastWindow(open.pendingClose, open.lastClosedName);
+    if (!_statusItem) {
+        // Nothing to come back from: the program ends, as closing its only window says.
+        QTimer::singleShot(0, qApp, quitApplication);
+    }
+}
+
+void ARXAppDelegate::applicationWillTerminate() {
+    if (ARXOpenWorkspaces::shared().isEmpty()) {
+        return; // the last window's record stays
+    }
+    QList<QStringList> windows;
+    for (ARXAtriumWindow* window : ARXAtriumWindow::windows()) {
+        QStringList tabs;
+        for (ARXAtriumWindowController* controller : window->tabbedControllers()) {
+            tabs.append(controller->name());
+            if (controller->autoSave()) {
+                controller->saveDocument();
+            }
+        }
+        if (!tabs.isEmpty()) {
+            windows.append(tabs);
+        }
+    }
+    ARXWindowSession::rememberOpenWindows(windows);
 }
 
 QStringList ARXAppDelegate::openWorkspaceNames() const {
-    QStringList names;
-    for (const auto& [name, window] : _openWindows) {
-        if (window) {
-            names.append(name);
-        }
+    return ARXOpenWorkspaces::shared().names();
+}
+
+// ----- paths from other programs
+
+void ARXAppDelegate::openPaths(const std::vector<Path>& paths) {
+    deliver(paths, false);
+}
+
+void ARXAppDelegate::revealPaths(const std::vector<Path>& paths) {
+    deliver(paths, true);
+}
+
+void ARXAppDelegate::showProperties(const std::vector<Path>& paths) {
+    // Until Atrium has a properties window, the items are shown where they are.
+    deliver(paths, true);
+}
+
+void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {
+    if (paths.empty()) {
+        return;
     }
-    return names;
+    auto open = [paths, reveal] {
+        ARXAtriumWindowController* front = frontController();
+        if (!front) {
+            return;
+        }
+        if (reveal) {
+            front->viewController()->revealPaths(paths, true);
+        } else {
+            front->viewController()->openPaths(paths, true);
+        }
+        front->showWindow();
+    };
+    if (frontController()) {
+        open();
+        return;
+    }
+    // No window yet (still starting, or all closed to the tray): the workspaces come back first,
+    // from the event loop, and the paths follow them there.
+    if (ARXOpenWorkspaces::shared().isEmpty()) {
+        restoreWorkspaces();
+    }
+    ARXMainQueue::async(open);
+}
+
+// ----- menus and tray
+
+void ARXAppDelegate::updateMenuItemHotkeys() {
+    for (ARXAtriumWindow* window : ARXAtriumWindow::windows()) {
+        window->updateMenuItemHotkeys();
+    }
+}
+
+void ARXAppDelegate::fillDockMenu(QMenu* menu) {
+    ARXWorkspacesMenu::fill(
+        menu, ARXOpenWorkspaces::shared().names(),
+        [](const QString& name) { ARXAtriumWindowController::open(name, false)->showWindow(); },
+        [] { ARXAtriumWindowController::openNewWorkspace(); });
+}
+
+void ARXAppDelegate::notifyAppStatusbarSettingsChanged() {
+    const bool wanted = ARXConf::settings_app_statusbar_entry().value() && trayAvailable();
+    if (wanted == bool(_statusItem)) {
+        return;
+    }
+    if (!wanted) {
+        delete _statusItem.data();
+        delete _statusMenu;
+        _statusMenu = nullptr;
+        return;
+    }
+    _statusItem = new QSystemTrayIcon(this);
+    QIcon icon = QIcon::fromTheme(QStringLiteral("com.brightmoor.atrium"));
+    if (icon.isNull()) {
+        icon = QIcon(QStringLiteral(":/icons/com.brightmoor.atrium.svg"));
+    }
+    _statusItem->setIcon(icon);
+    _statusItem->setToolTip(QStringLiteral("Atrium"));
+    _statusMenu = new QMenu();
+    connect(_statusMenu, &QMenu::aboutToShow, this, [this] {
+        fillDockMenu(_statusMenu);
+        _statusMenu->addSeparator();
+        _statusMenu->addAction(tr("Quit Atrium"), qApp, &QCoreApplication::quit);
+    });
+    fillDockMenu(_statusMenu);
+    _statusItem->setContextMenu(_statusMenu);
+    connect(_statusItem, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger) {
+                    reopen();
+                }
+            });
+    _statusItem->show();
+}
+
+void ARXAppDelegate::setTrayAvailableForTesting(std::optional<bool> available) {
+    trayForTesting = available;
+}
+
+void ARXAppDelegate::setQuitForTesting(std::function<void()> quit) {
+    quitForTesting = std::move(quit);
 }

@@ -1,30 +1,72 @@
 #pragma once
 
+#include "platform/ARXPath.h"
+
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QSystemTrayIcon>
 
-#include <map>
+#include <functional>
+#include <optional>
+#include <vector>
 
-class QWidget;
+class QMenu;
 
-// The application's start and its workspaces' windows. It keeps no model of its own: it starts
-// the process-wide services in a fixed order and brings back the workspaces that were open.
+// The application's start, its workspaces' windows as a whole, and its end. It keeps no model of
+// its own: it starts the process-wide services in a fixed order, brings back the workspaces that
+// were open, remembers what was open when the last window closes or the program ends, keeps the
+// tray entry, and takes the paths other programs (and a second start) hand to Atrium.
+//
+// The program does not end with its last window while it has a tray entry to come back from;
+// without one it ends there, having remembered that window.
 class ARXAppDelegate : public QObject {
     Q_OBJECT
 public:
     explicit ARXAppDelegate(QObject* parent = nullptr);
+    ~ARXAppDelegate() override;
 
     void applicationDidFinishLaunching();
+    // The end of the program: remembers the open windows and tab groups, and saves each
+    // workspace as it stands.
+    void applicationWillTerminate();
+    // The last window closed: remembers it (or its whole tab group), and ends the program when
+    // there is no tray entry to come back from.
+    void applicationLastWindowClosed();
+    // The program started again, or its tray entry clicked: the windows that were open come
+    // back, or the one in front comes forward.
+    void reopen();
 
-    // Brings back the open workspaces (or the first, or a new "Default"). Each window opens from
-    // the event loop, so launching returns first.
+    // Brings back the open workspaces (or the first, or a new "Default"). Each window or tab
+    // group opens from the event loop, so launching returns first.
     void restoreWorkspaces();
+    // Opens the workspaces as one window of tabs in this order.
+    void openTabGroup(const QStringList& names);
+
+    // Folders to open and items to show in the workspace in front (the windows that were open
+    // come back first when none is).
+    void openPaths(const std::vector<Path>& paths);
+    void revealPaths(const std::vector<Path>& paths);
+    void showProperties(const std::vector<Path>& paths);
+
+    // Every window's menus show the hotkeys of the hotkey table.
+    void updateMenuItemHotkeys();
+    // The tray entry exists exactly when the setting asks for it and the desktop has a tray.
+    void notifyAppStatusbarSettingsChanged();
+    QSystemTrayIcon* statusItem() const { return _statusItem; }
+    // The workspaces without a window, then "New Workspace".
+    void fillDockMenu(QMenu* menu);
 
     QStringList openWorkspaceNames() const;
 
-private:
-    void openWorkspace(const QString& name);
+    // Tests decide whether the desktop has a tray; nullopt asks the desktop.
+    static void setTrayAvailableForTesting(std::optional<bool> available);
+    // Tests see the program's end instead of ending; empty restores it.
+    static void setQuitForTesting(std::function<void()> quit);
 
-    std::map<QString, QPointer<QWidget>> _openWindows;
+private:
+    void deliver(const std::vector<Path>& paths, bool reveal);
+
+    QPointer<QSystemTrayIcon> _statusItem;
+    QMenu* _statusMenu = nullptr;
 };

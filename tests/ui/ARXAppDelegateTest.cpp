@@ -13,6 +13,18 @@ protected:
     void SetUp() override {
         ARXTestEnvironment::SetUp();
         ARXDataCenter::setVolumeReaderForTesting([] { return ARXVolumeList{ARXMakeVolume("/")}; });
+        ARXAppDelegate::setTrayAvailableForTesting(false);
+        ARXAppDelegate::setQuitForTesting([] {});
+    }
+
+    void TearDown() override {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            window->close();
+        }
+        spin(20);
+        ARXAppDelegate::setTrayAvailableForTesting(std::nullopt);
+        ARXAppDelegate::setQuitForTesting({});
+        ARXTestEnvironment::TearDown();
     }
 };
 

@@ -1,0 +1,276 @@
+#include "ui/window/ARXAtriumWindow.h"
+
+#include "app/ARXConf.h"
+#include "app/ARXDataCenter.h"
+#include "support/ARXFakeVolumes.h"
+#include "support/ARXTestEnvironment.h"
+#include "ui/ARXAppDelegate.h"
+#include "ui/window/ARXAtriumWindowController.h"
+#include "ui/window/ARXOpenWorkspaces.h"
+#include "ui/workspace/ARXWorkspaceStore.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QScreen>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class ARXAtriumWindowTest : public ARXTestEnvironment {
+protected:
+    void SetUp() override {
+        ARXTestEnvironment::SetUp();
+        ARXDataCenter::setVolumeReaderForTesting([] { return ARXVolumeList{ARXMakeVolume("/")}; });
+        makeFolder(home() + "/Work");
+        ARXConf::settings_default_directory().setValue(ARXPath::toStoredText(home() + "/Work"));
+        for (const char* name : {"A", "B", "C"}) {
+            ARXDataCenter::shared().save(QString::fromLatin1(name),
+                                         ARXDataCenter::emptyWorkspace());
+        }
+        ARXAppDelegate::setTrayAvailableForTesting(false);
+        ARXAppDelegate::setQuitForTesting([this] { ++quits; });
+        clock = 1000.0;
+        ARXOpenWorkspaces::setClockForTesting(clock);
+    }
+
+    void TearDown() override {
+        for (ARXAtriumWindow* window : ARXAtriumWindow::windows()) {
+            window->close();
+        }
+        spin(20); // closed controllers and windows are deleted from the event loop
+        ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
+        open.lastClosedName.reset();
+        open.pendingClose.reset();
+        ARXOpenWorkspaces::setClockForTesting(std::nullopt);
+        ARXAppDelegate::setTrayAvailableForTesting(std::nullopt);
+        ARXAppDelegate::setQuitForTesting({});
+        ARXTestEnvironment::TearDown();
+    }
+
+    void advance(double seconds) {
+        clock += seconds;
+        ARXOpenWorkspaces::setClockForTesting(clock);
+    }
+
+    // A window with the workspaces as tabs, in this order.
+    static ARXAtriumWindow* tabGroup(const QStringList& names) {
+        ARXAtriumWindowController* first = ARXAtriumWindowController::open(names.first(), false);
+        first->showWindow();
+        for (qsizetype i = 1; i < names.size(); ++i) {
+            ARXAtriumWindowController::openAsTab(names[i], first->atriumWindow());
+        }
+        return first->atriumWindow();
+    }
+
+    static QStringList tabNames(ARXAtriumWindow* window) {
+        QStringList names;
+        for (ARXAtriumWindowController* controller : window->tabbedControllers()) {
+            names.append(controller->name());
+        }
+        return names;
+    }
+
+    double clock = 0;
+    int quits = 0;
+};
+
+TEST_F(ARXAtriumWindowTest, AWholeTabGroupClosedTogetherIsRememberedAsAGroup) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A", "B", "C"});
+    ASSERT_EQ(tabNames(window), (QStringList{"A", "B", "C"}));
+    EXPECT_EQ(window->tabbedNames(), (QStringList{"A", "B", "C"}));
+
+    window->close();
+    ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
+    EXPECT_TRUE(open.isEmpty());
+    ASSERT_TRUE(open.pendingClose.has_value());
+    EXPECT_TRUE(open.pendingClose->validated());
+    EXPECT_EQ(ARXConf::cached_open_atrium_tab_names().value(),
+              (QList<QStringList>{{"A", "B", "C"}}));
+    EXPECT_TRUE(ARXConf::cached_open_atrium_names().value().isEmpty());
+    // Without a tray there is nothing to come back from: the program ends.
+    EXPECT_TRUE(waitUntil([&] { return quits == 1; }));
+}
+
+TEST_F(ARXAtriumWindowTest, TabsClosedOneByOneLeaveOnlyTheLastWorkspace) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A", "B", "C"});
+    auto controllers = window->tabbedControllers();
+
+    window->closeTab(controllers[0]);
+    advance(1.0); // longer than a gesture: the next close is a new one
+    window->closeTab(controllers[1]);
+    advance(1.0);
+    window->closeTab(controllers[2]); // the last tab takes its window with it
+
+    EXPECT_TRUE(ARXOpenWorkspaces::shared().isEmpty());
+    EXPECT_EQ(ARXConf::cached_open_atrium_names().value(), QStringList{"C"});
+    EXPECT_EQ(ARXConf::cached_open_atrium_tab_names().value(), QList<QStringList>{QStringList()});
+}
+
+TEST_F(ARXAtriumWindowTest, ClosingAWindowSavesItsWorkspacesAndStartingAgainRestoresTheGroup) {
+    {
+        ARXAppDelegate delegate;
+        ARXAtriumWindow* window = tabGroup({"B", "A"});
+        ARXAtriumWindowController* b = window->tabbedControllers().first();
+        b->viewController()->setLayout(b->viewController()->layoutMember(ARXAtriumLayoutId(3)));
+        window->close();
+        EXPECT_EQ(ARXWorkspaceStore::record("B").layoutId, 3);
+    }
+    spin(20);
+    // A tab group naming a workspace whose file is gone opens the rest of it.
+    QList<QStringList> groups = ARXConf::cached_open_atrium_tab_names().value();
+    groups.first().append("Gone");
+    ARXConf::cached_open_atrium_tab_names().setValue(groups);
+
+    ARXAppDelegate delegate;
+    delegate.applicationDidFinishLaunching();
+    ASSERT_TRUE(waitUntil([] { return !ARXAtriumWindow::windows().isEmpty(); }));
+    ARXAtriumWindow* window = ARXAtriumWindow::windows().first();
+    EXPECT_EQ(tabNames(window), (QStringList{"B", "A"}));
+    EXPECT_EQ(window->tabbedControllers().first()->viewController()->layout()->id,
+              ARXAtriumLayoutId(3));
+    EXPECT_EQ(ARXAtriumWindow::windows().size(), 1);
+}
+
+TEST_F(ARXAtriumWindowTest, EndingTheProgramRemembersEveryWindowAndItsTabs) {
+    ARXAppDelegate delegate;
+    tabGroup({"A", "C"});
+    ARXAtriumWindowController::open("B", false)->showWindow();
+    ASSERT_EQ(ARXAtriumWindow::windows().size(), 2);
+
+    delegate.applicationWillTerminate();
+    EXPECT_EQ(ARXConf::cached_open_atrium_tab_names().value(), (QList<QStringList>{{"A", "C"}}));
+    EXPECT_EQ(ARXConf::cached_open_atrium_names().value(), QStringList{"B"});
+}
+
+TEST_F(ARXAtriumWindowTest, AnOpenWorkspaceAddedAsATabMovesIntoTheWindow) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindowController::open("B", false)->showWindow();
+    ARXAtriumWindow* window = tabGroup({"A"});
+    ASSERT_EQ(ARXAtriumWindow::windows().size(), 2);
+
+    ARXAtriumWindowController::openAsTab("B", window);
+    EXPECT_EQ(tabNames(window), (QStringList{"A", "B"}));
+    // The window B left had nothing else and went away, without closing B.
+    EXPECT_TRUE(waitUntil([] { return ARXAtriumWindow::windows().size() == 1; }));
+    EXPECT_EQ(ARXOpenWorkspaces::shared().names(), (QStringList{"B", "A"}));
+    // Asking again only brings the tab forward.
+    ARXAtriumWindowController::openAsTab("A", window);
+    EXPECT_EQ(tabNames(window), (QStringList{"A", "B"}));
+    EXPECT_EQ(window->currentController()->name(), "A");
+}
+
+TEST_F(ARXAtriumWindowTest, TheAddTabMenuOffersOnlyTheOtherWorkspaces) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A", "B"});
+    QTimer::singleShot(0, [&] {
+        for (QWidget* popup : QApplication::topLevelWidgets()) {
+            if (auto* shown = qobject_cast<QMenu*>(popup); shown && shown->isVisible()) {
+                QStringList titles;
+                for (QAction* item : shown->actions()) {
+                    titles.append(item->isSeparator() ? QStringLiteral("-") : item->text());
+                }
+                EXPECT_EQ(titles, (QStringList{"C", "-", "New Workspace"}));
+                shown->close();
+            }
+        }
+    });
+    window->showAddTabMenu();
+}
+
+TEST_F(ARXAtriumWindowTest, HiddenFilesFollowTheActivePaneInAllFourPanes) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A"});
+    ARXAtriumWindowController* controller = window->currentController();
+    ARXAtriumViewController* workspace = controller->viewController();
+    workspace->setLayout(workspace->layoutMember(ARXAtriumLayoutId(4)));
+    workspace->squares()[1]->setHiddenVisible(true); // panes may differ before the command
+
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Greater, Qt::ControlModifier | Qt::ShiftModifier, ">");
+    EXPECT_TRUE(controller->keyDown(&key));
+    for (ARXSpaceSquareView* pane : workspace->squares()) {
+        EXPECT_TRUE(pane->hiddenVisible());
+    }
+    EXPECT_TRUE(controller->state().hiddenFiles);
+    controller->perform(ARXActionType::HiddenFiles);
+    for (ARXSpaceSquareView* pane : workspace->squares()) {
+        EXPECT_FALSE(pane->hiddenVisible());
+    }
+}
+
+TEST_F(ARXAtriumWindowTest, StickyWindowStaysOnTopAndIsSavedAtOnce) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A"});
+    ARXAtriumWindowController* controller = window->currentController();
+    controller->perform(ARXActionType::PinTop);
+    EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_TRUE(controller->validate(ARXActionType::PinTop).checked.value_or(false));
+    EXPECT_EQ(ARXWorkspaceStore::record("A").pinTop, true);
+
+    QKeyEvent save(QEvent::KeyPress, Qt::Key_S, Qt::ControlModifier, "s");
+    controller->viewController()->setSidebarVisible(false);
+    EXPECT_TRUE(controller->keyDown(&save));
+    EXPECT_EQ(ARXWorkspaceStore::record("A").sidebarWidth, 0.0);
+}
+
+TEST_F(ARXAtriumWindowTest, AFrameOffEveryScreenOpensCentredAtTheDefaultSize) {
+    ARXAtriumData data = ARXDataCenter::emptyWorkspace();
+    data.frame = QRectF(40000, 40000, 800, 600);
+    ARXDataCenter::shared().save("Far", data);
+    ARXAppDelegate delegate;
+    ARXAtriumWindowController* controller = ARXAtriumWindowController::open("Far", false);
+    controller->showWindow();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_TRUE(screen.contains(controller->window()->geometry().center()));
+    EXPECT_LE(controller->window()->width(), screen.width());
+}
+
+TEST_F(ARXAtriumWindowTest, PathsHandedOverOpenInTheFrontWorkspaceEvenBeforeItsWindow) {
+    makeFolder(home() + "/Downloads");
+    writeFile(home() + "/Work/report.txt", "x");
+    ARXAppDelegate delegate;
+    // Nothing is open yet: the workspaces come back first, then the folder opens in front.
+    delegate.openPaths({home() + "/Downloads"});
+    ASSERT_TRUE(waitUntil([] { return !ARXOpenWorkspaces::shared().isEmpty(); }));
+    ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().controllers().first();
+    ASSERT_TRUE(waitUntil([&] {
+        ARXSpaceSquareView* pane = front->viewController()->activePane();
+        return pane && pane->root() && pane->root()->path() == home() + "/Downloads";
+    }));
+
+    // A path that does not exist leaves the pane with its message, and nothing breaks.
+    delegate.openPaths({home() + "/Nowhere"});
+    ARXSpaceSquareView* pane = front->viewController()->activePane();
+    EXPECT_TRUE(waitUntil([&] { return pane->status() == ARXSpaceStatus::notfound; }));
+    delegate.revealPaths({home() + "/Work/report.txt"});
+    EXPECT_TRUE(waitUntil([&] {
+        ARXSpaceSquareView* active = front->viewController()->activePane();
+        return active && active->root() && active->root()->path() == home() + "/Work";
+    }));
+}
+
+TEST_F(ARXAtriumWindowTest, WithoutATrayThereIsNoStatusItemAndWithOneItListsClosedWorkspaces) {
+    ARXAppDelegate::setTrayAvailableForTesting(true);
+    ARXAppDelegate delegate;
+    delegate.notifyAppStatusbarSettingsChanged();
+    ASSERT_NE(delegate.statusItem(), nullptr);
+    ARXAtriumWindowController::open("B", false)->showWindow();
+    QMenu menu;
+    delegate.fillDockMenu(&menu);
+    QStringList titles;
+    for (QAction* item : menu.actions()) {
+        titles.append(item->isSeparator() ? QStringLiteral("-") : item->text());
+    }
+    EXPECT_EQ(titles, (QStringList{"A", "C", "-", "New Workspace"}));
+
+    ARXConf::settings_app_statusbar_entry().setValue(false);
+    delegate.notifyAppStatusbarSettingsChanged();
+    EXPECT_EQ(delegate.statusItem(), nullptr);
+}
+
+} // namespace
