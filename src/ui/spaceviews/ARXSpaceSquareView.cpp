@@ -426,10 +426,13 @@ void ARXSpaceSquareView::updateFavorite() {
 void ARXSpaceSquareView::setActivated(bool activated) {
     if (_viewType != ARXSpaceViewType::none && _contentView) {
         if (activated) {
-            // After the current event, and not away from the pane's own path field.
+            // After the current event, and not away from the pane's own path field. A pane that
+            // another took over from in the meantime leaves the keyboard where it is: two panes
+            // activated in one event would otherwise take it from each other for ever.
             QPointer<ARXSpaceView> view(_contentView);
             QTimer::singleShot(0, this, [this, view] {
-                if (view && !view->hasContentFocus() && QApplication::focusWidget() != _pathField) {
+                if (view && _isActivated && !view->hasContentFocus() &&
+                    QApplication::focusWidget() != _pathField) {
                     view->focusContent();
                 }
             });

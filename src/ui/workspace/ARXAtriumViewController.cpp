@@ -247,7 +247,9 @@ void ARXAtriumViewController::updateMinimumSize() {
 
 void ARXAtriumViewController::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (!_hasSideView || _sidebarWidth <= kSidebarMinimumWidth) {
+    // Sizes given before the window is up, or to a tab in the background, are a layout's
+    // guesses, not the user's window: they must not cost the sidebar its width.
+    if (!_hasSideView || _sidebarWidth <= kSidebarMinimumWidth || !isVisible()) {
         return;
     }
     // A window made narrow takes the room from the sidebar first, down to its minimum.
