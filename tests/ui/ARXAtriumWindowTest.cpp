@@ -202,6 +202,43 @@ TEST_F(ARXAtriumWindowTest, HiddenFilesFollowTheActivePaneInAllFourPanes) {
     }
 }
 
+TEST_F(ARXAtriumWindowTest, TheKeyboardSettlesInOnePaneAfterALayoutChange) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A"});
+    window->activateWindow();
+    QApplication::setActiveWindow(window);
+    ARXAtriumViewController* workspace = window->currentController()->viewController();
+    workspace->onLayoutClicked(ARXAtriumLayoutId(0));
+    spin(50);
+    workspace->onLayoutClicked(ARXAtriumLayoutId(1));
+    spin(50);
+    // Two panes activated in one event once handed the keyboard to each other without end.
+    int changes = 0;
+    QObject counting;
+    QObject::connect(qApp, &QApplication::focusChanged, &counting, [&] { ++changes; });
+    spin(100);
+    EXPECT_EQ(changes, 0);
+    ASSERT_NE(workspace->activePane(), nullptr);
+    EXPECT_TRUE(workspace->activePane()->isAncestorOf(QApplication::focusWidget()));
+}
+
+TEST_F(ARXAtriumWindowTest, MenuHotkeysThatNoPaneTookActThroughTheMenus) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A"});
+    QKeyEvent newWorkspace(QEvent::KeyPress, Qt::Key_N, Qt::ControlModifier, "n");
+    EXPECT_TRUE(window->currentController()->keyDown(&newWorkspace));
+    ASSERT_EQ(ARXAtriumWindow::windows().size(), 2);
+    ARXAtriumWindow* created = ARXAtriumWindow::windows().last();
+    EXPECT_EQ(created->currentController()->name(), "My Workspace 1");
+
+    QKeyEvent close(QEvent::KeyPress, Qt::Key_W, Qt::ControlModifier, "w");
+    EXPECT_TRUE(created->currentController()->keyDown(&close));
+    EXPECT_EQ(ARXOpenWorkspaces::shared().names(), QStringList{"A"});
+    // A key no item shows is left to others.
+    QKeyEvent plain(QEvent::KeyPress, Qt::Key_J, Qt::NoModifier, "j");
+    EXPECT_FALSE(window->currentController()->keyDown(&plain));
+}
+
 TEST_F(ARXAtriumWindowTest, StickyWindowStaysOnTopAndIsSavedAtOnce) {
     ARXAppDelegate delegate;
     ARXAtriumWindow* window = tabGroup({"A"});

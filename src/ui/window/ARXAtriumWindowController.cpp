@@ -11,6 +11,7 @@
 #include "ui/window/ARXOpenWorkspaces.h"
 #include "ui/workspace/ARXWorkspaceStore.h"
 
+#include <QAction>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
@@ -326,12 +327,15 @@ bool ARXAtriumWindowController::keyDown(QKeyEvent* event) {
         Q_EMIT stateChanged();
         return true;
     }
-    // The menus show these hotkeys without owning them (they would take keys from the panes):
-    // a hotkey nobody took before ends here.
-    if (action != ARXActionType::None && _window && _window->mainMenu()) {
-        if (_window->mainMenu()->item(action) && validate(action).enabled) {
-            perform(action);
-            return true;
+    // The menus show their hotkeys without owning them (they would take keys from the panes):
+    // a hotkey nobody took before ends here, with the item as its menu would offer it.
+    if (ARXMainMenu* menu = _window ? _window->mainMenu() : nullptr) {
+        if (QAction* item = menu->itemShowing(hotkey)) {
+            menu->validateItems();
+            if (item->isEnabled()) {
+                item->trigger();
+                return true;
+            }
         }
     }
     return false;
