@@ -19,8 +19,10 @@ scratch=$(mktemp -d /tmp/atrium-bench-startup.XXXXXX)
 display=:$((90 + RANDOM % 100))
 Xvfb "$display" -screen 0 1600x1000x24 -nolisten tcp >/dev/null 2>&1 &
 xvfb=$!
+bus_pid=""
 cleanup() {
   kill "$xvfb" 2>/dev/null || true
+  [ -n "$bus_pid" ] && kill "$bus_pid" 2>/dev/null || true
   rm -rf "$scratch"
 }
 trap cleanup EXIT
@@ -29,9 +31,11 @@ for _ in $(seq 1 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
 export XDG_CONFIG_HOME="$scratch/config" XDG_DATA_HOME="$scratch/data" XDG_CACHE_HOME="$scratch/cache"
 export XDG_RUNTIME_DIR="$scratch/runtime"
 mkdir -p -m 700 "$XDG_RUNTIME_DIR"
-# No session bus (and none autolaunched): each start is a first start, never handed to a
-# running instance.
-export DBUS_SESSION_BUS_ADDRESS=disabled:
+# A private session bus, as a desktop has one (pcmanfm-qt does not start without it). Each start
+# is still a first start: the one before has ended, and let its name go, before the next begins.
+bus_info=$(dbus-daemon --session --fork --print-address=1 --print-pid=1)
+export DBUS_SESSION_BUS_ADDRESS=$(echo "$bus_info" | sed -n 1p)
+bus_pid=$(echo "$bus_info" | sed -n 2p)
 
 # Four folders of 2,000 files each, one per pane.
 folders="$scratch/folders"
@@ -52,31 +56,21 @@ cat > "$XDG_DATA_HOME/Atrium/guest/spaces/Bench.atx" <<EOF
 EOF
 echo '{"cached_open_atrium_names": ["Bench"]}' > "$XDG_CONFIG_HOME/Atrium/defaults.json"
 
-# Seconds from the start of a command until a window with the title shows on screen and holds
-# more than one colour (painted), then the program is ended.
+# Seconds from the start of a command until a window with the title is on screen and holds
+# more than a few colours (painted); then the program is ended and has let its bus name go.
+painted="$build/bench/window-painted"
 time_to_painted() {
   local title=$1
   shift
-  local start window end
+  local start end
   start=$EPOCHREALTIME
   "$@" >/dev/null 2>&1 &
   local pid=$!
-  window=""
-  for _ in $(seq 1 2000); do
-    window=$(xdotool search --onlyvisible --name "$title" 2>/dev/null | head -n 1 || true)
-    [ -n "$window" ] && break
-    sleep 0.005
-  done
-  if [ -z "$window" ]; then
+  if ! "$painted" "$title" 10; then
     kill "$pid" 2>/dev/null || true
-    echo "bench: no window titled '$title' from: $*" >&2
+    echo "bench: no painted window titled '$title' from: $*" >&2
     exit 1
   fi
-  for _ in $(seq 1 400); do
-    colours=$(import -silent -window "$window" -resize 25% png:- 2>/dev/null | identify -format '%k' - 2>/dev/null || echo 0)
-    [ "${colours:-0}" -gt 8 ] && break
-    sleep 0.005
-  done
   end=$EPOCHREALTIME
   kill "$pid" 2>/dev/null || true
   wait "$pid" 2>/dev/null || true
