@@ -106,7 +106,7 @@ void ARXAppDelegate::openTabGroup(const QStringList& names) {
             window = controller->atriumWindow();
             shown = controller;
         } else {
-            window->addTabbedController(controller, 0);
+            window->addTabbedController(controller, 0, false);
         }
     }
     if (window && shown) {

@@ -136,6 +136,32 @@ TEST_F(ARXAtriumWindowTest, ClosingAWindowSavesItsWorkspacesAndStartingAgainRest
     EXPECT_EQ(ARXAtriumWindow::windows().size(), 1);
 }
 
+TEST_F(ARXAtriumWindowTest, AWorkspaceWaitingInTheBackgroundIsBuiltWhenItsTabComesForward) {
+    ARXAtriumData data = ARXDataCenter::emptyWorkspace();
+    data.layoutId = 5;
+    data.sidebarWidth = 222;
+    ARXDataCenter::shared().save("B", data);
+    const std::string before = readFile(ARXDataCenter::shared().path("B"));
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A"});
+    ARXAtriumWindowController* b = ARXAtriumWindowController::open("B", false);
+    window->addTabbedController(b, -1, false);
+    EXPECT_FALSE(b->isBuilt());
+    EXPECT_EQ(window->currentController()->name(), "A");
+
+    window->setCurrentController(b);
+    ASSERT_TRUE(b->isBuilt());
+    EXPECT_EQ(b->viewController()->layout()->id, ARXAtriumLayoutId(5));
+
+    // One that never came forward is closed without touching its file.
+    ARXAtriumWindowController* c = ARXAtriumWindowController::open("C", false);
+    const std::string stored = readFile(ARXDataCenter::shared().path("C"));
+    window->addTabbedController(c, -1, false);
+    window->closeTab(c);
+    EXPECT_EQ(readFile(ARXDataCenter::shared().path("C")), stored);
+    EXPECT_EQ(readFile(ARXDataCenter::shared().path("B")), before);
+}
+
 TEST_F(ARXAtriumWindowTest, EndingTheProgramRemembersEveryWindowAndItsTabs) {
     ARXAppDelegate delegate;
     tabGroup({"A", "C"});

@@ -55,6 +55,11 @@ ARXAtriumWindow::ARXAtriumWindow() : _presenter(new ARXWidgetOperationPresenter(
     });
     connect(_tabs, &QTabWidget::currentChanged, this, [this] {
         if (ARXAtriumWindowController* current = currentController()) {
+            // A tab brought forward in a window on screen shows its panes; a window on its way
+            // to the screen leaves that to after its first frame.
+            if (isVisible()) {
+                current->ensureBuilt();
+            }
             if (isActiveWindow()) {
                 ARXOpenWorkspaces::shared().setActive(current);
             }
@@ -141,33 +146,36 @@ ARXAtriumWindowController* ARXAtriumWindow::currentController() const {
 }
 
 void ARXAtriumWindow::setCurrentController(ARXAtriumWindowController* controller) {
-    const int index = _tabs->indexOf(controller->viewController());
+    const int index = _tabs->indexOf(controller->page());
     if (index >= 0) {
         _tabs->setCurrentIndex(index);
     }
 }
 
-void ARXAtriumWindow::addTabbedController(ARXAtriumWindowController* controller, int index) {
+void ARXAtriumWindow::addTabbedController(ARXAtriumWindowController* controller, int index,
+                                          bool makeCurrent) {
     controller->setAtriumWindow(this);
-    _pages.insert(controller->viewController(), controller);
-    index = _tabs->insertTab(index, controller->viewController(), controller->name());
+    _pages.insert(controller->page(), controller);
+    index = _tabs->insertTab(index, controller->page(), controller->name());
     connect(controller, &ARXAtriumWindowController::stateChanged, this, [this, controller] {
         if (controller == currentController()) {
             refresh();
         }
     });
-    _tabs->setCurrentIndex(index);
+    if (makeCurrent) {
+        _tabs->setCurrentIndex(index);
+    }
     refresh();
 }
 
 void ARXAtriumWindow::removeTabbedController(ARXAtriumWindowController* controller) {
     disconnect(controller, nullptr, this, nullptr);
-    const int index = _tabs->indexOf(controller->viewController());
+    const int index = _tabs->indexOf(controller->page());
     if (index >= 0) {
         _tabs->removeTab(index);
-        controller->viewController()->setParent(nullptr);
+        controller->page()->setParent(nullptr);
     }
-    _pages.remove(controller->viewController());
+    _pages.remove(controller->page());
     controller->setAtriumWindow(nullptr);
     if (_tabs->count() == 0 && !_closing) {
         _closing = true; // nothing left to close: the window just goes
@@ -181,11 +189,11 @@ void ARXAtriumWindow::closeTab(ARXAtriumWindowController* controller) {
     controller->windowShouldClose();
     controller->windowWillClose();
     disconnect(controller, nullptr, this, nullptr);
-    const int index = _tabs->indexOf(controller->viewController());
+    const int index = _tabs->indexOf(controller->page());
     if (index >= 0) {
         _tabs->removeTab(index);
     }
-    _pages.remove(controller->viewController());
+    _pages.remove(controller->page());
     controller->setAtriumWindow(nullptr);
     controller->close();
     if (_tabs->count() == 0 && !_closing) {
@@ -229,7 +237,7 @@ void ARXAtriumWindow::refresh() {
         return;
     }
     setWindowTitle(current->name());
-    _toolBar->setController(current->viewController());
+    _toolBar->setController(current->isBuilt() ? current->page() : nullptr);
     _toolBar->update(current->state());
 }
 

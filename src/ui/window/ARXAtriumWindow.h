@@ -25,9 +25,10 @@ public:
     ARXAtriumWindow();
     ~ARXAtriumWindow() override;
 
-    // Takes the workspace as a tab at `index` (the last place when -1) and makes it the current
-    // one.
-    void addTabbedController(ARXAtriumWindowController* controller, int index = -1);
+    // Takes the workspace as a tab at `index` (the last place when -1), the current one unless
+    // it is to wait in the background.
+    void addTabbedController(ARXAtriumWindowController* controller, int index = -1,
+                             bool makeCurrent = true);
     // Lets the workspace go without closing it (it moves to another window). A window left
     // without tabs goes away quietly.
     void removeTabbedController(ARXAtriumWindowController* controller);

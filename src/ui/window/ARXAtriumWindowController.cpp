@@ -73,7 +73,38 @@ ARXAtriumWindowController::ARXAtriumWindowController(const QString& name, const 
                                                      bool asTab)
     : _name(name), _data(data), _asTab(asTab), _view(new ARXAtriumViewController()) {
     _view->setDelegate(this);
-    _view->build(name, data);
+}
+
+ARXAtriumViewController* ARXAtriumWindowController::viewController() {
+    ensureBuilt();
+    return _view;
+}
+
+void ARXAtriumWindowController::ensureBuilt() {
+    if (_built || !_view) {
+        return;
+    }
+    _built = true;
+    _view->build(_name, _data);
+    Q_EMIT stateChanged();
+}
+
+void ARXAtriumWindowController::buildAfterFirstFrame() {
+    if (_built || !_window) {
+        return;
+    }
+    _window->installEventFilter(this);
+    // A window that is never painted (hidden at once, a platform without frames) builds anyway.
+    QTimer::singleShot(250, this, &ARXAtriumWindowController::ensureBuilt);
+}
+
+bool ARXAtriumWindowController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == _window && event->type() == QEvent::Paint) {
+        watched->removeEventFilter(this);
+        // After this paint is on screen: the event loop flushes it before timers run.
+        QTimer::singleShot(0, this, &ARXAtriumWindowController::ensureBuilt);
+    }
+    return ARXWindowController::eventFilter(watched, event);
 }
 
 ARXAtriumWindowController::~ARXAtriumWindowController() {
@@ -119,6 +150,7 @@ void ARXAtriumWindowController::showWindow() {
     _window->setCurrentController(this);
     ARXOpenWorkspaces::shared().setActive(this);
     ARXWindowController::showWindow();
+    buildAfterFirstFrame();
 }
 
 // ----- closing and saving
@@ -154,13 +186,14 @@ void ARXAtriumWindowController::windowWillClose() {
     if (open.active() == this) {
         open.setActive(nullptr);
     }
-    if (_view) {
+    if (_built && _view) {
         _view->setStatusItemVisible(false);
     }
 }
 
 bool ARXAtriumWindowController::saveDocument() {
-    if (!_view || _name.isEmpty()) {
+    // A workspace never built has not changed: its file stays as it is.
+    if (!_built || !_view || _name.isEmpty()) {
         return false;
     }
     return ARXWorkspaceStore::save(*_view);
@@ -169,6 +202,7 @@ bool ARXAtriumWindowController::saveDocument() {
 // ----- commands
 
 void ARXAtriumWindowController::perform(ARXActionType action) {
+    ensureBuilt();
     using A = ARXActionType;
     if (performWindowAction(action)) {
         return;
@@ -222,6 +256,7 @@ void ARXAtriumWindowController::perform(ARXActionType action) {
 }
 
 bool ARXAtriumWindowController::performWindowAction(ARXActionType action) {
+    ensureBuilt();
     switch (action) {
     case ARXActionType::HiddenFiles:
         toggleHiddenFiles();
@@ -293,6 +328,7 @@ void ARXAtriumWindowController::emptyTrash() {
 // ----- keys
 
 bool ARXAtriumWindowController::keyDown(QKeyEvent* event) {
+    ensureBuilt();
     const ARXHotkey hotkey = ARXKeyEvents::hotkeyOf(event);
     const ARXActionType action = ARXDefaultHotkeys::action(hotkey);
     if (action != ARXActionType::None && performWindowAction(action)) {
@@ -350,7 +386,7 @@ ARXWindowState ARXAtriumWindowController::state() const {
         state.pinned = _window->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
         state.fullScreen = _window->isFullScreen();
     }
-    if (!_view) {
+    if (!_built || !_view) {
         return state;
     }
     state.sidebarVisible = _view->isSidebarVisible();
@@ -365,7 +401,8 @@ ARXWindowState ARXAtriumWindowController::state() const {
     return state;
 }
 
-ARXMenuItemState ARXAtriumWindowController::validate(ARXActionType action) const {
+ARXMenuItemState ARXAtriumWindowController::validate(ARXActionType action) {
+    ensureBuilt();
     using A = ARXActionType;
     ARXMenuItemState item;
     const ARXFileOperationRecorder& recorder = ARXFileOperationRecorder::shared();

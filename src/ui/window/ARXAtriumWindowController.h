@@ -33,7 +33,13 @@ public:
     ~ARXAtriumWindowController() override;
 
     const QString& name() const { return _name; }
-    ARXAtriumViewController* viewController() const { return _view; }
+    // The workspace, built from its record at the first need.
+    ARXAtriumViewController* viewController();
+    // The workspace's widget as it stands, built or not: the window's page for it.
+    ARXAtriumViewController* page() const { return _view; }
+    bool isBuilt() const { return _built; }
+    // Builds the workspace from its record (its panes list their folders) unless it is built.
+    void ensureBuilt();
     ARXAtriumWindow* atriumWindow() const { return _window; }
     QWidget* window() const override;
 
@@ -72,7 +78,7 @@ public:
     bool keyDown(QKeyEvent* event);
 
     ARXWindowState state() const;
-    ARXMenuItemState validate(ARXActionType action) const;
+    ARXMenuItemState validate(ARXActionType action);
 
     // ----- ARXAtriumViewControllerDelegate
 
@@ -86,6 +92,9 @@ public:
                       QKeyEvent* event) override;
     void workspaceStatusItemClicked(ARXAtriumViewController& workspace) override;
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 Q_SIGNALS:
     // The toolbar, the menus and the title follow the workspace.
     void stateChanged();
@@ -94,12 +103,16 @@ private:
     // The window of its own, placed by the saved frame (or centred), sticky and full screen as
     // it was left.
     void makeOwnWindow();
+    // The window comes up first and the panes list their folders right after its first frame:
+    // the user sees the window sooner, and the lists a frame later.
+    void buildAfterFirstFrame();
 
     QString _name;
     ARXAtriumData _data;
     bool _asTab;
     bool _autoSave = true;
     bool _closed = false;
+    bool _built = false;
     QPointer<ARXAtriumViewController> _view;
     QPointer<ARXAtriumWindow> _window;
 };
