@@ -1,6 +1,7 @@
 #include "app/ARXConf.h"
 #include "app/ARXDataCenter.h"
 #include "support/ARXFakeVolumes.h"
+#include "support/ARXGalleryEnvironment.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/workspace/ARXAtriumViewController.h"
 #include "ui/workspace/ARXLayoutsToolbarItem.h"
@@ -20,13 +21,12 @@ namespace {
 // A workspace window with the layout chooser in its toolbar, switched through the twelve layouts
 // by the chooser, with a picture of each (and of the chooser's menu) when ATRIUM_SCREENSHOT_DIR
 // names a folder. Meant for a real display (Xvfb): the pictures are of the whole screen.
-class ARXAtriumViewControllerGallery : public ARXTestEnvironment {
+class ARXAtriumViewControllerGallery : public ARXGalleryEnvironment {
 protected:
     void SetUp() override {
-        ARXTestEnvironment::SetUp();
-        _dir = qEnvironmentVariable("ATRIUM_SCREENSHOT_DIR");
-        if (_dir.isEmpty()) {
-            GTEST_SKIP() << "ATRIUM_SCREENSHOT_DIR is not set";
+        ARXGalleryEnvironment::SetUp();
+        if (IsSkipped()) {
+            return;
         }
         ARXDataCenter::setVolumeReaderForTesting([] { return ARXVolumeList{ARXMakeVolume("/")}; });
         for (const char* name : {"Documents/report.odt", "Documents/notes.txt", "Music/song.ogg",
@@ -39,7 +39,7 @@ protected:
     // The whole screen as the X server has it, so that menus and borders are in the picture.
     void shoot(const QString& name) const {
         spin(400);
-        const QString file = _dir + QLatin1Char('/') + name + QStringLiteral(".png");
+        const QString file = galleryDir() + QLatin1Char('/') + name + QStringLiteral(".png");
         if (QProcess::execute(QStringLiteral("import"),
                               {QStringLiteral("-window"), QStringLiteral("root"), file}) != 0) {
             EXPECT_TRUE(QGuiApplication::primaryScreen()->grabWindow(0).save(file));
@@ -47,7 +47,6 @@ protected:
     }
 
 private:
-    QString _dir;
 };
 
 TEST_F(ARXAtriumViewControllerGallery, EveryLayoutFromTheChooser) {

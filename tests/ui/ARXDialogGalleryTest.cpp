@@ -1,3 +1,4 @@
+#include "support/ARXGalleryEnvironment.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/ARXAlerts.h"
 #include "ui/ARXConflictDialog.h"
@@ -14,13 +15,12 @@
 // names a folder (scripts/screenshot-dialogs sets it); skipped in ordinary test runs.
 namespace {
 
-class ARXDialogGalleryTest : public ARXTestEnvironment {
+class ARXDialogGalleryTest : public ARXGalleryEnvironment {
 protected:
     void SetUp() override {
-        ARXTestEnvironment::SetUp();
-        _dir = qEnvironmentVariable("ATRIUM_SCREENSHOT_DIR");
-        if (_dir.isEmpty()) {
-            GTEST_SKIP() << "ATRIUM_SCREENSHOT_DIR is not set";
+        ARXGalleryEnvironment::SetUp();
+        if (IsSkipped()) {
+            return;
         }
         window.resize(720, 440);
         auto* layout = new QVBoxLayout(&window);
@@ -32,7 +32,7 @@ protected:
 
     void save(QWidget* widget, const char* name) {
         spin(400); // layouts settle and fades end
-        const QString file = _dir + QLatin1Char('/') + QLatin1String(name) + ".png";
+        const QString file = galleryDir() + QLatin1Char('/') + QLatin1String(name) + ".png";
         EXPECT_TRUE(widget->grab().save(file)) << file.toStdString();
     }
 
@@ -45,7 +45,6 @@ protected:
     QWidget window;
 
 private:
-    QString _dir;
 };
 
 TEST_F(ARXDialogGalleryTest, Pictures) {

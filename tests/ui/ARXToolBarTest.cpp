@@ -4,6 +4,7 @@
 #include "app/ARXDataCenter.h"
 #include "app/ARXToolbarConfiguration.h"
 #include "support/ARXFakeVolumes.h"
+#include "support/ARXGalleryEnvironment.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/window/ARXToolbarIcon.h"
 #include "ui/workspace/ARXAtriumViewController.h"
@@ -396,13 +397,12 @@ TEST_F(ARXToolBarTest, TheLayoutMenuShowsLargeNamedPictures) {
 
 // The bar in a window, at both icon sizes, on a light and a dark palette, with its menus, saved as
 // pictures when ATRIUM_SCREENSHOT_DIR names a folder. Meant for a real display (Xvfb).
-class ARXToolBarGallery : public ARXTestEnvironment {
+class ARXToolBarGallery : public ARXGalleryEnvironment {
 protected:
     void SetUp() override {
-        ARXTestEnvironment::SetUp();
-        _dir = qEnvironmentVariable("ATRIUM_SCREENSHOT_DIR");
-        if (_dir.isEmpty()) {
-            GTEST_SKIP() << "ATRIUM_SCREENSHOT_DIR is not set";
+        ARXGalleryEnvironment::SetUp();
+        if (IsSkipped()) {
+            return;
         }
         // As the program does outside a desktop session.
         if (QIcon::themeName().isEmpty() || QIcon::themeName() == QStringLiteral("hicolor")) {
@@ -412,12 +412,11 @@ protected:
 
     void shoot(QWidget& widget, const char* name) const {
         spin(200);
-        EXPECT_TRUE(widget.grab().save(_dir + QLatin1Char('/') + QLatin1String(name) +
+        EXPECT_TRUE(widget.grab().save(galleryDir() + QLatin1Char('/') + QLatin1String(name) +
                                        QStringLiteral(".png")));
     }
 
 private:
-    QString _dir;
 };
 
 TEST_F(ARXToolBarGallery, TheBarAndItsMenus) {
