@@ -2,6 +2,7 @@
 
 #include "platform/ARXConsole.h"
 #include "platform/ARXFileTree.h"
+#include "platform/ARXTrash.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -26,7 +27,9 @@ void removeItem(const Path& path) {
     if (::fstatat(parent.fd, parent.name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
         ARXFileTree::fail(errno, path);
     }
-    ARXFileTree::removeAt(parent.fd, parent.name, path);
+    // In a trash, a read-only folder of the user's own is emptied as the trash itself does;
+    // anywhere else its permissions stand.
+    ARXFileTree::removeAt(parent.fd, parent.name, path, ARXTrash::isInTrash(path));
 }
 
 void moveItem(const Path& from, const Path& to) {

@@ -319,6 +319,32 @@ Path homeTrash() {
     return ARXPath::join(ARXSystemPaths::dataHome(), "Trash");
 }
 
+bool isInTrash(const Path& path) {
+    // The part of the path below a trash folder: "files/…" or "expunged/…" with something after.
+    auto holdsItem = [](std::string_view rest) {
+        for (std::string_view part : {std::string_view("files/"), std::string_view("expunged/")}) {
+            if (rest.size() > part.size() && rest.substr(0, part.size()) == part) {
+                return true;
+            }
+        }
+        return false;
+    };
+    const Path home = homeTrash() + "/";
+    if (path.compare(0, home.size(), home) == 0 &&
+        holdsItem(std::string_view(path).substr(home.size()))) {
+        return true;
+    }
+    const std::string uid = std::to_string(::geteuid());
+    for (const std::string& folder : {"/.Trash-" + uid + "/", "/.Trash/" + uid + "/"}) {
+        for (size_t at = path.find(folder); at != Path::npos; at = path.find(folder, at + 1)) {
+            if (holdsItem(std::string_view(path).substr(at + folder.size()))) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 Path trashItem(const Path& path) {
     ARXFileTree::requireKernelPath(path);
     const ARXFileTree::ParentFolder parent(path);

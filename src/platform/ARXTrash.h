@@ -32,6 +32,10 @@ Path trashItem(const Path& path);
 // for whoever takes the item back out; nullopt for a path that is not directly in "files/".
 std::optional<Path> infoFileFor(const Path& trashedItem);
 
+// Whether the path lies inside the items of one of this user's trashes ("files/" or "expunged/"
+// of the home trash, of a "$topdir/.Trash-$uid" or of a "$topdir/.Trash/$uid"). Removing such an
+// item is emptying the trash, where a read-only folder the user owns must not stop it.
+bool isInTrash(const Path& path);
 // This user's trash folders that exist: the home trash and those at the given mount points.
 std::vector<Path> trashFolders(const std::vector<Path>& volumeRoots);
 

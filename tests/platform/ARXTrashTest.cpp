@@ -190,6 +190,32 @@ TEST_F(ARXTrashTest, EmptyTrashEmptiesTheHomeTrashAndTheVolumesTrash) {
     EXPECT_EQ(ARXTrash::trashFolders({volume.path()}), (std::vector<Path>{trash(), own}));
 }
 
+TEST_F(ARXTrashTest, RemovingFromATrashGetsPastReadOnlyFoldersButNowhereElse) {
+    writeFile(at("kept/locked/deep.txt"), "x");
+    writeFile(at("gone/locked/deep.txt"), "x");
+    ASSERT_EQ(::chmod(at("kept/locked").c_str(), 0500), 0);
+    ASSERT_EQ(::chmod(at("gone/locked").c_str(), 0500), 0);
+    const Path trashed = ARXTrash::trashItem(at("gone"));
+    EXPECT_TRUE(ARXTrash::isInTrash(trashed));
+    EXPECT_TRUE(ARXTrash::isInTrash(ARXPath::join(trashed, "locked/deep.txt")));
+    EXPECT_FALSE(ARXTrash::isInTrash(ARXPath::join(trash(), "files")));
+    EXPECT_FALSE(ARXTrash::isInTrash(at("kept")));
+    EXPECT_TRUE(ARXTrash::isInTrash("/media/usb/.Trash-" + uid() + "/files/a"));
+    EXPECT_TRUE(ARXTrash::isInTrash("/media/usb/.Trash/" + uid() + "/expunged/a"));
+    EXPECT_FALSE(ARXTrash::isInTrash("/media/usb/.Trash-" + uid() + "/info/a.trashinfo/x"));
+
+    const bool ran = runWithoutOverridingPermissions([&] {
+        EXPECT_NO_THROW(ARXFileOperations::removeItem(trashed));
+        // Outside a trash a read-only folder still holds its items.
+        EXPECT_THROW(ARXFileOperations::removeItem(at("kept")), ARXFileError);
+    });
+    if (!ran) {
+        GTEST_SKIP() << "could not give up the permission override";
+    }
+    EXPECT_FALSE(exists(trashed));
+    EXPECT_TRUE(exists(at("kept/locked/deep.txt")));
+}
+
 TEST_F(ARXTrashTest, MountTableListsTheRootAndLeavesPseudoFileSystemsOut) {
     const std::vector<Path> roots = ARXTrash::mountedVolumeRoots();
     EXPECT_NE(std::find(roots.begin(), roots.end(), "/"), roots.end());
