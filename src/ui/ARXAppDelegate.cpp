@@ -10,6 +10,7 @@
 #include "platform/ARXMainQueue.h"
 #include "platform/ARXNotificationCenter.h"
 #include "ui/ARXAppearance.h"
+#include "ui/ARXPropertiesDialog.h"
 #include "ui/window/ARXAtriumWindow.h"
 #include "ui/window/ARXAtriumWindowController.h"
 #include "ui/window/ARXOpenWorkspaces.h"
@@ -171,8 +172,7 @@ void ARXAppDelegate::revealPaths(const std::vector<Path>& paths) {
 }
 
 void ARXAppDelegate::showProperties(const std::vector<Path>& paths) {
-    // Until Atrium has a properties window, the items are shown where they are.
-    deliver(paths, true);
+    ARXPropertiesDialog::showFor(paths);
 }
 
 void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {

@@ -5,6 +5,7 @@
 #include "support/ARXFakeVolumes.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/ARXAppDelegate.h"
+#include "ui/ARXPropertiesDialog.h"
 #include "ui/window/ARXAtriumWindowController.h"
 #include "ui/window/ARXOpenWorkspaces.h"
 #include "ui/workspace/ARXWorkspaceStore.h"
@@ -263,6 +264,23 @@ TEST_F(ARXAtriumWindowTest, MenuHotkeysThatNoPaneTookActThroughTheMenus) {
     // A key no item shows is left to others.
     QKeyEvent plain(QEvent::KeyPress, Qt::Key_J, Qt::NoModifier, "j");
     EXPECT_FALSE(window->currentController()->keyDown(&plain));
+}
+
+TEST_F(ARXAtriumWindowTest, GetInfoShowsTheSelectionOrElseThePanesFolder) {
+    ARXAppDelegate delegate;
+    ARXAtriumWindow* window = tabGroup({"A"});
+    window->currentController()->perform(ARXActionType::GetInfo);
+    QList<ARXPropertiesDialog*> dialogs = window->findChildren<ARXPropertiesDialog*>();
+    ASSERT_EQ(dialogs.size(), 1);
+    EXPECT_EQ(dialogs.first()->facts().path, home() + "/Work");
+    // Other programs ask for items of their own, with no workspace involved.
+    writeFile(home() + "/Work/a.txt", "a");
+    delegate.showProperties({home() + "/Work/a.txt", home() + "/Work"});
+    int open = 0;
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+        open += qobject_cast<ARXPropertiesDialog*>(top) && top->isVisible() ? 1 : 0;
+    }
+    EXPECT_EQ(open, 3);
 }
 
 TEST_F(ARXAtriumWindowTest, StickyWindowStaysOnTopAndIsSavedAtOnce) {

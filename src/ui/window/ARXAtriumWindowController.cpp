@@ -5,6 +5,7 @@
 #include "app/ARXWindowFrame.h"
 #include "ops/ARXFileOperationRecorder.h"
 #include "ui/ARXKeyEvents.h"
+#include "ui/ARXPropertiesDialog.h"
 #include "ui/window/ARXAtriumWindow.h"
 #include "ui/window/ARXEmptyTrash.h"
 #include "ui/window/ARXMainMenu.h"
@@ -246,6 +247,11 @@ void ARXAtriumWindowController::perform(ARXActionType action) {
         option.setValue(!option.value());
         return;
     }
+    case A::GetInfo:
+        if (ARXSpaceSquareView* pane = _view->activePane()) {
+            showProperties(*pane, {});
+        }
+        return;
     default:
         break;
     }
@@ -467,9 +473,29 @@ ARXMenuItemState ARXAtriumWindowController::validate(ARXActionType action) {
 
 // ----- the workspace's calls
 
-bool ARXAtriumWindowController::workspacePerform(ARXAtriumViewController&, ARXSpaceSquareView&,
-                                                 ARXActionType action, const ARXFileEntryList&) {
+bool ARXAtriumWindowController::workspacePerform(ARXAtriumViewController&, ARXSpaceSquareView& pane,
+                                                 ARXActionType action,
+                                                 const ARXFileEntryList& entries) {
+    if (action == ARXActionType::GetInfo) {
+        showProperties(pane, entries);
+        return true;
+    }
     return performWindowAction(action);
+}
+
+void ARXAtriumWindowController::showProperties(ARXSpaceSquareView& pane,
+                                               const ARXFileEntryList& entries) {
+    std::vector<Path> paths;
+    const ARXFileEntryList& items =
+        !entries.empty() || !pane.contentView() ? entries : pane.contentView()->selectedItems();
+    for (const ARXFileEntryRef& entry : items) {
+        paths.push_back(entry->path());
+    }
+    // Nothing selected: the folder the pane shows.
+    if (paths.empty() && pane.root()) {
+        paths.push_back(pane.root()->path());
+    }
+    ARXPropertiesDialog::showFor(paths, _window);
 }
 
 void ARXAtriumWindowController::workspacePaneActivated(ARXAtriumViewController&,

@@ -71,6 +71,8 @@ public:
     void toggleSidebar();
     void toggleFullScreen();
     void emptyTrash();
+    // The properties windows of the entries, or of the pane's selection, or of its folder.
+    void showProperties(ARXSpaceSquareView& pane, const ARXFileEntryList& entries);
 
     // The window's keys: window-wide hotkeys, Tab, Shift+Ctrl+. (hidden files),
     // Shift+Ctrl+Backspace (empty trash), Ctrl+S, Escape out of full screen, and the menus'
