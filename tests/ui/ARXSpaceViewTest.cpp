@@ -230,6 +230,25 @@ TEST_F(ARXSpaceViewTest, AStoppedConflictLeavesNoPlaceholderRow) {
     expectConsistent();
 }
 
+TEST_F(ARXSpaceViewTest, AViewClosedWhileANameIsEditedLeavesTheTreeWhole) {
+    const ARXFileEntryRef a = top->find(in("a.txt"));
+    view->setSelectedItems({a});
+    ASSERT_TRUE(view->beginEditingName(a));
+    QWidget* editor = nameEditor();
+    ASSERT_TRUE(editor);
+    // Changes that wait for the edit to end, then the view goes with the editor open: ending
+    // the edit would apply them, and nothing of that may reach the half-gone view.
+    view->entryRefreshed(a);
+    view->reloadOrDefer();
+    ASSERT_TRUE(view->isDirty());
+    QApplication::setActiveWindow(view.get());
+    editor->setFocus();
+    ASSERT_TRUE(waitUntil([&] { return editor->hasFocus(); }));
+    view.reset();
+    EXPECT_EQ(a.use_count(), 2); // the folder's list and this test
+    EXPECT_TRUE(exists(in("a.txt")));
+}
+
 TEST_F(ARXSpaceViewTest, InlineRenameRenamesRecordsAndWaitsOutReloads) {
     const ARXFileEntryRef a = top->find(in("a.txt"));
     const size_t records = ARXFileOperationRecorder::shared().records().size();

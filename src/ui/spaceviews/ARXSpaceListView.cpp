@@ -151,7 +151,20 @@ ARXSpaceListView::ARXSpaceListView(QWidget* parent)
     rebuildHeaderMenu();
 }
 
-ARXSpaceListView::~ARXSpaceListView() = default;
+ARXSpaceListView::~ARXSpaceListView() {
+    // The outline view and the model are children: they would outlive this part of the object.
+    // An open name editor commits as the outline view goes (a rename request), its selection
+    // empties and its header shrinks, and none of that may reach a view whose members are gone:
+    // it once released a folder entry twice. Silenced first, the outline view goes now.
+    for (QObject* sender : {static_cast<QObject*>(_model), static_cast<QObject*>(_outlineView),
+                            static_cast<QObject*>(_outlineView->selectionModel()),
+                            static_cast<QObject*>(_outlineView->header())}) {
+        if (sender) {
+            disconnect(sender, nullptr, this, nullptr);
+        }
+    }
+    delete _outlineView;
+}
 
 void ARXSpaceListView::bindRoot(const ARXFileEntryRef& root, bool force) {
     _dayChangeTimer.stop();

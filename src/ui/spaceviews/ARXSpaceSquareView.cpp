@@ -72,6 +72,11 @@ ARXSpaceSquareView::ARXSpaceSquareView(QWidget* parent, std::optional<Path> path
 
 ARXSpaceSquareView::~ARXSpaceSquareView() {
     ARXNotificationCenter::shared().removeObservers(this);
+    // The content view outlives this part of the pane and may still report focus changes and
+    // finished operations while it is torn down.
+    if (_contentView) {
+        _contentView->setDelegate(nullptr);
+    }
 }
 
 void ARXSpaceSquareView::buildTitleBar() {
