@@ -74,6 +74,9 @@ ARXSpaceSquareView::~ARXSpaceSquareView() {
     ARXNotificationCenter::shared().removeObservers(this);
     // The content view outlives this part of the pane and may still report focus changes and
     // finished operations while it is torn down.
+    for (const auto& [type, view] : _contentViews) {
+        view->setDelegate(nullptr);
+    }
     if (_contentView) {
         _contentView->setDelegate(nullptr);
     }
