@@ -38,16 +38,6 @@ bool trayAvailable() {
     return trayForTesting ? *trayForTesting : QSystemTrayIcon::isSystemTrayAvailable();
 }
 
-// The workspace in front: the one whose window was active last, else the first open.
-ARXAtriumWindowController* frontController() {
-    ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
-    if (ARXAtriumWindowController* active = open.active()) {
-        return active;
-    }
-    const QList<ARXAtriumWindowController*> controllers = open.controllers();
-    return controllers.isEmpty() ? nullptr : controllers.first();
-}
-
 } // namespace
 
 ARXAppDelegate::ARXAppDelegate(QObject* parent) : QObject(parent) {
@@ -120,7 +110,7 @@ void ARXAppDelegate::reopen() {
         restoreWorkspaces();
         return;
     }
-    if (ARXAtriumWindowController* front = frontController()) {
+    if (ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front()) {
         front->showWindow();
     }
 }
@@ -180,7 +170,7 @@ void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {
         return;
     }
     auto open = [paths, reveal] {
-        ARXAtriumWindowController* front = frontController();
+        ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front();
         if (!front) {
             return;
         }
@@ -191,7 +181,7 @@ void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {
         }
         front->showWindow();
     };
-    if (frontController()) {
+    if (ARXOpenWorkspaces::shared().front()) {
         open();
         return;
     }

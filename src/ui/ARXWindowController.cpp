@@ -4,24 +4,7 @@
 #include <QScreen>
 #include <QWidget>
 
-namespace {
-
-QList<ARXWindowController*>& shownSet() {
-    static QList<ARXWindowController*> set;
-    return set;
-}
-
-} // namespace
-
 ARXWindowController::ARXWindowController(QObject* parent) : QObject(parent) {}
-
-ARXWindowController::~ARXWindowController() {
-    shownSet().removeAll(this);
-}
-
-QList<ARXWindowController*> ARXWindowController::shownControllers() {
-    return shownSet();
-}
 
 void ARXWindowController::showWindow() {
     QWidget* top = window();
@@ -35,9 +18,6 @@ void ARXWindowController::showWindow() {
     }
     if (_firstVisible) {
         onFirstVisible();
-    }
-    if (!shownSet().contains(this)) {
-        shownSet().append(this);
     }
     top->raise();
     top->activateWindow();
@@ -57,6 +37,5 @@ void ARXWindowController::onFirstVisible() {
 }
 
 void ARXWindowController::close() {
-    shownSet().removeAll(this);
     deleteLater();
 }

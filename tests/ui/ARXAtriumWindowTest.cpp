@@ -318,7 +318,7 @@ TEST_F(ARXAtriumWindowTest, PathsHandedOverOpenInTheFrontWorkspaceEvenBeforeItsW
     // Nothing is open yet: the workspaces come back first, then the folder opens in front.
     delegate.openPaths({home() + "/Downloads"});
     ASSERT_TRUE(waitUntil([] { return !ARXOpenWorkspaces::shared().isEmpty(); }));
-    ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().controllers().first();
+    ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front();
     ASSERT_TRUE(waitUntil([&] {
         ARXSpaceSquareView* pane = front->viewController()->activePane();
         return pane && pane->root() && pane->root()->path() == home() + "/Downloads";

@@ -169,25 +169,23 @@ void ARXAtriumWindow::addTabbedController(ARXAtriumWindowController* controller,
 }
 
 void ARXAtriumWindow::removeTabbedController(ARXAtriumWindowController* controller) {
-    disconnect(controller, nullptr, this, nullptr);
-    const int index = _tabs->indexOf(controller->page());
-    if (index >= 0) {
-        _tabs->removeTab(index);
-        controller->page()->setParent(nullptr);
-    }
-    _pages.remove(controller->page());
-    controller->setAtriumWindow(nullptr);
-    if (_tabs->count() == 0 && !_closing) {
-        _closing = true; // nothing left to close: the window just goes
-        close();
-    } else {
-        refresh();
-    }
+    detach(controller);
+    controller->page()->setParent(nullptr);
+    closeIfEmpty();
 }
 
 void ARXAtriumWindow::closeTab(ARXAtriumWindowController* controller) {
     controller->windowShouldClose();
     controller->windowWillClose();
+    detach(controller);
+    controller->close();
+    closeIfEmpty();
+    if (_tabs->count() == 0 && ARXOpenWorkspaces::shared().isEmpty()) {
+        Q_EMIT ARXOpenWorkspaces::shared().lastWindowClosed();
+    }
+}
+
+void ARXAtriumWindow::detach(ARXAtriumWindowController* controller) {
     disconnect(controller, nullptr, this, nullptr);
     const int index = _tabs->indexOf(controller->page());
     if (index >= 0) {
@@ -195,16 +193,18 @@ void ARXAtriumWindow::closeTab(ARXAtriumWindowController* controller) {
     }
     _pages.remove(controller->page());
     controller->setAtriumWindow(nullptr);
-    controller->close();
-    if (_tabs->count() == 0 && !_closing) {
-        _closing = true;
-        close();
-    } else if (!_closing) {
+}
+
+void ARXAtriumWindow::closeIfEmpty() {
+    if (_closing) {
+        return; // already on its way, closing its tabs one by one
+    }
+    if (_tabs->count() > 0) {
         refresh();
+        return;
     }
-    if (ARXOpenWorkspaces::shared().isEmpty() && (_tabs->count() == 0)) {
-        Q_EMIT ARXOpenWorkspaces::shared().lastWindowClosed();
-    }
+    _closing = true;
+    close();
 }
 
 void ARXAtriumWindow::showAddTabMenu() {
@@ -227,11 +227,6 @@ void ARXAtriumWindow::showAddTabMenu() {
 
 void ARXAtriumWindow::refresh() {
     ARXAtriumWindowController* current = currentController();
-    for (int i = 0; i < _tabs->count(); ++i) {
-        if (ARXAtriumWindowController* controller = controllerAt(i)) {
-            _tabs->setTabText(i, controller->name());
-        }
-    }
     if (!current) {
         _toolBar->setController(nullptr);
         return;

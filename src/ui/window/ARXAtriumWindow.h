@@ -66,6 +66,10 @@ protected:
 
 private:
     ARXAtriumWindowController* controllerAt(int index) const;
+    // Takes the workspace's tab out, and the window's ties to it.
+    void detach(ARXAtriumWindowController* controller);
+    // A window left without tabs goes; one with tabs shows its current one.
+    void closeIfEmpty();
     void becameActive();
 
     QTabWidget* _tabs = nullptr;

@@ -26,17 +26,14 @@ void ARXOpenWorkspaces::insert(const QString& name, ARXAtriumWindowController* c
     for (auto& entry : _table) {
         if (entry.first == name) {
             entry.second = controller;
-            Q_EMIT changed();
             return;
         }
     }
     _table.append({name, controller});
-    Q_EMIT changed();
 }
 
 void ARXOpenWorkspaces::remove(const QString& name) {
     _table.removeIf([&](const auto& entry) { return entry.first == name || !entry.second; });
-    Q_EMIT changed();
 }
 
 QStringList ARXOpenWorkspaces::names() const {
@@ -49,14 +46,16 @@ QStringList ARXOpenWorkspaces::names() const {
     return result;
 }
 
-QList<ARXAtriumWindowController*> ARXOpenWorkspaces::controllers() const {
-    QList<ARXAtriumWindowController*> result;
+ARXAtriumWindowController* ARXOpenWorkspaces::front() const {
+    if (_active) {
+        return _active;
+    }
     for (const auto& [key, controller] : _table) {
         if (controller) {
-            result.append(controller);
+            return controller;
         }
     }
-    return result;
+    return nullptr;
 }
 
 double ARXOpenWorkspaces::now() {

@@ -27,7 +27,8 @@ public:
     void remove(const QString& name);
     bool isEmpty() const { return _table.isEmpty(); }
     QStringList names() const;
-    QList<ARXAtriumWindowController*> controllers() const;
+    // The workspace in front: the one whose window was active last, else the first open.
+    ARXAtriumWindowController* front() const;
 
     ARXAtriumWindowController* active() const { return _active; }
     void setActive(ARXAtriumWindowController* controller) { _active = controller; }
@@ -42,8 +43,6 @@ public:
 Q_SIGNALS:
     // A workspace's window closed and none is left.
     void lastWindowClosed();
-    // A workspace opened or closed (the tray's menu follows).
-    void changed();
 
 private:
     QList<std::pair<QString, QPointer<ARXAtriumWindowController>>> _table;

@@ -1,6 +1,8 @@
 #include "ui/window/ARXToolbarIcon.h"
 
 #include <QApplication>
+#include <QHash>
+#include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
@@ -13,10 +15,8 @@ namespace ARXToolbarIcon {
 
 namespace {
 
-// The sizes toolbar buttons ask for (small and normal icons, at 1x and 2x), so the icon never has
-// to scale a picture.
+// The sizes toolbar buttons ask for (small and normal icons); the icon offers them as its own.
 constexpr std::array<int, 4> kSizes{16, 22, 24, 32};
-constexpr std::array<qreal, 2> kRatios{1.0, 2.0};
 
 struct Look {
     std::vector<const char*> themeNames; // in order of preference
@@ -143,24 +143,64 @@ QPixmap picture(Kind kind, const QIcon& symbolic, int size, qreal ratio, const Q
     return pixmap;
 }
 
-QIcon coloured(Kind kind, const QIcon& symbolic, const QPalette& palette) {
-    // A switch that is on takes the highlight colour: a pressed-in button alone is hard to see
-    // on some palettes.
-    const QColor normal = palette.color(QPalette::Active, QPalette::ButtonText);
-    const QColor on = palette.color(QPalette::Active, QPalette::Highlight);
-    const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
-    QIcon result;
-    for (int size : kSizes) {
-        for (qreal ratio : kRatios) {
-            result.addPixmap(picture(kind, symbolic, size, ratio, normal), QIcon::Normal,
-                             QIcon::Off);
-            result.addPixmap(picture(kind, symbolic, size, ratio, on), QIcon::Normal, QIcon::On);
-            const QPixmap greyed = picture(kind, symbolic, size, ratio, disabled);
-            result.addPixmap(greyed, QIcon::Disabled, QIcon::Off);
-            result.addPixmap(greyed, QIcon::Disabled, QIcon::On);
+// The icon in the palette's colours, each picture made when a button first asks for its size and
+// kept: making all sizes, ratios and colours up front cost every window a few milliseconds of its
+// start for pictures that are mostly never shown.
+class ColouredIconEngine : public QIconEngine {
+public:
+    ColouredIconEngine(Kind kind, QIcon symbolic, const QPalette& palette)
+        : _kind(kind), _symbolic(std::move(symbolic)),
+          // A switch that is on takes the highlight colour: a pressed-in button alone is hard to
+          // see on some palettes.
+          _normal(palette.color(QPalette::Active, QPalette::ButtonText)),
+          _on(palette.color(QPalette::Active, QPalette::Highlight)),
+          _disabled(palette.color(QPalette::Disabled, QPalette::ButtonText)) {}
+
+    QIconEngine* clone() const override { return new ColouredIconEngine(*this); }
+
+    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State state,
+                         qreal scale) override {
+        const QColor& color = mode == QIcon::Disabled ? _disabled
+                              : state == QIcon::On    ? _on
+                                                      : _normal;
+        const int side = std::min(size.width(), size.height());
+        const QString key = QStringLiteral("%1-%2-%3").arg(side).arg(scale).arg(color.rgba());
+        auto found = _pictures.constFind(key);
+        if (found == _pictures.constEnd()) {
+            found = _pictures.insert(key, picture(_kind, _symbolic, side, scale, color));
         }
+        return *found;
     }
-    return result;
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        return scaledPixmap(size, mode, state, 1.0);
+    }
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
+               QIcon::State state) override {
+        const qreal scale = painter->device() ? painter->device()->devicePixelRatioF() : 1.0;
+        painter->drawPixmap(rect, scaledPixmap(rect.size(), mode, state, scale));
+    }
+
+    QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
+        QList<QSize> sizes;
+        for (int side : kSizes) {
+            sizes.append(QSize(side, side));
+        }
+        return sizes;
+    }
+
+private:
+    Kind _kind;
+    QIcon _symbolic;
+    QColor _normal;
+    QColor _on;
+    QColor _disabled;
+    QHash<QString, QPixmap> _pictures;
+};
+
+QIcon coloured(Kind kind, const QIcon& symbolic, const QPalette& palette) {
+    return QIcon(new ColouredIconEngine(kind, symbolic, palette));
 }
 
 } // namespace
