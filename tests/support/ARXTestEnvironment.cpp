@@ -87,6 +87,16 @@ bool ARXTestEnvironment::waitUntil(const std::function<bool()>& pred, int timeou
     return true;
 }
 
+void ARXTestEnvironment::flushEvents() {
+    // A delivered event may post more (a layout request posts the children's); a few rounds reach
+    // the end of any chain a test builds.
+    for (int round = 0; round < 4; ++round) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+    }
+}
+
 void ARXTestEnvironment::spin(int ms) {
     QElapsedTimer timer;
     timer.start();

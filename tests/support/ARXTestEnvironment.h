@@ -33,6 +33,9 @@ protected:
     static bool waitUntil(const std::function<bool()>& pred, int timeoutMs = 3000);
     // Runs the event loop for the given time.
     static void spin(int ms);
+    // Delivers the events already posted, deferred deletions and the layout requests they cause
+    // included, without waiting for time to pass: for widget geometry after show() or a rebuild.
+    static void flushEvents();
 
     // Runs check on a thread that has given up the capabilities that let root ignore permission
     // bits, so that permission failures can be tested when the tests run as root (as in CI).

@@ -221,7 +221,7 @@ TEST_F(ARXEmptyTrashTest, CancelLeavesTheTrashAsItWas) {
     ASSERT_NE(box, nullptr);
     QTest::keyClick(box, Qt::Key_Escape);
     ASSERT_TRUE(waitUntil([&] { return running.isNull(); }));
-    spin(100);
+    flushEvents();
     EXPECT_EQ(namesIn(ARXPath::join(homeTrash(), "files")), Names{"a"});
     EXPECT_EQ(namesIn(ARXPath::join(homeTrash(), "info")), Names{"a.trashinfo"});
     EXPECT_EQ(presenter.presented, 0);

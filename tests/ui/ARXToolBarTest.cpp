@@ -4,8 +4,8 @@
 #include "app/ARXDataCenter.h"
 #include "app/ARXToolbarConfiguration.h"
 #include "support/ARXFakeVolumes.h"
-#include "support/ARXGalleryEnvironment.h"
 #include "support/ARXTestEnvironment.h"
+#include "support/ARXToolBarItems.h"
 #include "ui/window/ARXToolbarIcon.h"
 #include "ui/workspace/ARXAtriumViewController.h"
 #include "ui/workspace/ARXLayoutsToolbarItem.h"
@@ -33,27 +33,6 @@ namespace Configuration = ARXToolbarConfiguration;
 
 QString id(T type) {
     return ARXAction::identifier(type);
-}
-
-// Everything this toolbar can show, in the allowed order, without spaces.
-QStringList everyItem() {
-    QStringList items;
-    for (const QString& item : Configuration::allowed()) {
-        if (ARXToolBar::canShow(item) && !Configuration::isSpace(item)) {
-            items.append(item);
-        }
-    }
-    return items;
-}
-
-ARXWindowState paneState() {
-    ARXWindowState state;
-    state.workspaceName = QStringLiteral("Photos");
-    state.hasPane = true;
-    state.paneNormal = true;
-    state.viewType = ARXSpaceViewType::columns;
-    state.canGoBack = true;
-    return state;
 }
 
 class ARXToolBarTest : public ARXTestEnvironment {
@@ -97,7 +76,7 @@ TEST_F(ARXToolBarTest, TheDefaultBarShowsTheItemsItHasInTheDefaultOrder) {
     // The flexible space takes what the items leave over, pushing the name and layouts right.
     bar.resize(900, bar.sizeHint().height());
     bar.show();
-    spin(30);
+    flushEvents();
     const QWidget* layouts = bar.itemWidget(T::Layouts);
     EXPECT_GT(layouts->geometry().right(), 900 - 60);
     EXPECT_LT(bar.itemWidget(T::ViewTypes)->geometry().left(), 200);
@@ -294,7 +273,7 @@ TEST_F(ARXToolBarTest, TheBarsOwnMenuIsTheCustomisation) {
     window.addToolBar(bar);
     window.resize(800, 400);
     window.show();
-    spin(30);
+    flushEvents();
 
     // The window's menu of bars does not offer to hide it.
     std::unique_ptr<QMenu> windowMenu(window.createPopupMenu());
@@ -313,7 +292,7 @@ TEST_F(ARXToolBarTest, TheBarsOwnMenuIsTheCustomisation) {
     ASSERT_TRUE(menu);
     EXPECT_EQ(menu->actions().last()->text(), QStringLiteral("Reset Toolbar"));
     menu->close();
-    spin(10);
+    flushEvents();
 
     bar->customize();
     menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
@@ -393,93 +372,6 @@ TEST_F(ARXToolBarTest, TheLayoutMenuShowsLargeNamedPictures) {
     const QRect row = menu->actionGeometry(menu->actions().first());
     EXPECT_GE(row.height(), 36) << "pictures twice the button's size";
     EXPECT_LT(hint.width(), 160) << "no room kept for texts";
-}
-
-// The bar in a window, at both icon sizes, on a light and a dark palette, with its menus, saved as
-// pictures when ATRIUM_SCREENSHOT_DIR names a folder. Meant for a real display (Xvfb).
-class ARXToolBarGallery : public ARXGalleryEnvironment {
-protected:
-    void SetUp() override {
-        ARXGalleryEnvironment::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        // As the program does outside a desktop session.
-        if (QIcon::themeName().isEmpty() || QIcon::themeName() == QStringLiteral("hicolor")) {
-            QIcon::setThemeName(QStringLiteral("Adwaita"));
-        }
-    }
-
-    void shoot(QWidget& widget, const char* name) const {
-        spin(200);
-        EXPECT_TRUE(widget.grab().save(galleryDir() + QLatin1Char('/') + QLatin1String(name) +
-                                       QStringLiteral(".png")));
-    }
-
-private:
-};
-
-TEST_F(ARXToolBarGallery, TheBarAndItsMenus) {
-    ARXDataCenter::setVolumeReaderForTesting([] { return ARXVolumeList{ARXMakeVolume("/")}; });
-    ARXAtriumViewController workspace;
-    ARXAtriumData data;
-    data.layoutId = qint64(ARXAtriumLayoutId::layout_3);
-    workspace.build(QStringLiteral("Gallery"), data);
-
-    QMainWindow window;
-    auto* bar = new ARXToolBar(&window);
-    window.addToolBar(bar);
-    auto* content = new QWidget(&window);
-    content->setMinimumHeight(80);
-    window.setCentralWidget(content);
-    bar->setController(&workspace);
-    ARXWindowState state = paneState();
-    state.workspaceName = QStringLiteral("My Workspace 2");
-    state.sidebarVisible = true;
-    bar->update(state);
-    window.setGeometry(40, 40, 1100, 140);
-    window.show();
-    shoot(window, "toolbar-default");
-
-    QStringList every = everyItem();
-    every.insert(every.indexOf(id(T::WorkspaceName)), Configuration::flexibleSpace);
-    Configuration::setItems(every);
-    bar->update(state);
-    shoot(window, "toolbar-every-item");
-    bar->setUsesSmallIcons(true);
-    shoot(window, "toolbar-every-item-small");
-    bar->setUsesSmallIcons(false);
-
-    state.paneNormal = false;
-    bar->update(state);
-    shoot(window, "toolbar-folder-not-shown");
-
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(45, 45, 48));
-    dark.setColor(QPalette::Button, QColor(45, 45, 48));
-    for (auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text}) {
-        dark.setColor(role, QColor(230, 230, 230));
-        dark.setColor(QPalette::Disabled, role, QColor(120, 120, 120));
-    }
-    window.setPalette(dark);
-    state.paneNormal = true;
-    bar->update(state);
-    shoot(window, "toolbar-dark");
-    window.setPalette(QPalette());
-
-    auto* layouts = qobject_cast<ARXLayoutsToolbarItem*>(bar->itemWidget(T::Layouts));
-    ASSERT_TRUE(layouts);
-    layouts->menu()->popup(layouts->mapToGlobal(QPoint(0, layouts->height())));
-    spin(100);
-    layouts->menu()->setActiveAction(layouts->actionFor(ARXAtriumLayoutId::layout_6));
-    shoot(*layouts->menu(), "toolbar-layouts-menu");
-    layouts->menu()->hide();
-
-    bar->customize();
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    ASSERT_TRUE(menu);
-    shoot(*menu, "toolbar-customize-menu");
-    menu->close();
 }
 
 } // namespace

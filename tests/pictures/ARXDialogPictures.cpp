@@ -1,4 +1,4 @@
-#include "support/ARXGalleryEnvironment.h"
+#include "pictures/ARXPictureEnvironment.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/ARXAlerts.h"
 #include "ui/ARXConflictDialog.h"
@@ -11,14 +11,13 @@
 
 #include <memory>
 
-// Pictures of the operation dialogs for looking at them, written only when ATRIUM_SCREENSHOT_DIR
-// names a folder (scripts/screenshot-dialogs sets it); skipped in ordinary test runs.
+// Pictures of the operation dialogs, for looking at them without running a whole batch.
 namespace {
 
-class ARXDialogGalleryTest : public ARXGalleryEnvironment {
+class ARXDialogPictures : public ARXPictureEnvironment {
 protected:
     void SetUp() override {
-        ARXGalleryEnvironment::SetUp();
+        ARXPictureEnvironment::SetUp();
         if (IsSkipped()) {
             return;
         }
@@ -32,7 +31,7 @@ protected:
 
     void save(QWidget* widget, const char* name) {
         spin(400); // layouts settle and fades end
-        const QString file = galleryDir() + QLatin1Char('/') + QLatin1String(name) + ".png";
+        const QString file = pictureDir() + QLatin1Char('/') + QLatin1String(name) + ".png";
         EXPECT_TRUE(widget->grab().save(file)) << file.toStdString();
     }
 
@@ -47,7 +46,7 @@ protected:
 private:
 };
 
-TEST_F(ARXDialogGalleryTest, Pictures) {
+TEST_F(ARXDialogPictures, Pictures) {
     ARXOperationSheet sheet(&window);
     sheet.present();
     sheet.setItemPath(root() + "/Holiday photos from the summer of 2023 in the mountains.jpg");

@@ -1,7 +1,7 @@
 #include "app/ARXConf.h"
 #include "app/ARXDataCenter.h"
+#include "pictures/ARXPictureEnvironment.h"
 #include "support/ARXFakeVolumes.h"
-#include "support/ARXGalleryEnvironment.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/workspace/ARXAtriumViewController.h"
 #include "ui/workspace/ARXLayoutsToolbarItem.h"
@@ -21,10 +21,10 @@ namespace {
 // A workspace window with the layout chooser in its toolbar, switched through the twelve layouts
 // by the chooser, with a picture of each (and of the chooser's menu) when ATRIUM_SCREENSHOT_DIR
 // names a folder. Meant for a real display (Xvfb): the pictures are of the whole screen.
-class ARXAtriumViewControllerGallery : public ARXGalleryEnvironment {
+class ARXWorkspaceLayoutsPictures : public ARXPictureEnvironment {
 protected:
     void SetUp() override {
-        ARXGalleryEnvironment::SetUp();
+        ARXPictureEnvironment::SetUp();
         if (IsSkipped()) {
             return;
         }
@@ -39,7 +39,7 @@ protected:
     // The whole screen as the X server has it, so that menus and borders are in the picture.
     void shoot(const QString& name) const {
         spin(400);
-        const QString file = galleryDir() + QLatin1Char('/') + name + QStringLiteral(".png");
+        const QString file = pictureDir() + QLatin1Char('/') + name + QStringLiteral(".png");
         if (QProcess::execute(QStringLiteral("import"),
                               {QStringLiteral("-window"), QStringLiteral("root"), file}) != 0) {
             EXPECT_TRUE(QGuiApplication::primaryScreen()->grabWindow(0).save(file));
@@ -49,7 +49,7 @@ protected:
 private:
 };
 
-TEST_F(ARXAtriumViewControllerGallery, EveryLayoutFromTheChooser) {
+TEST_F(ARXWorkspaceLayoutsPictures, EveryLayoutFromTheChooser) {
     QWidget window;
     auto* box = new QVBoxLayout(&window);
     box->setContentsMargins(0, 0, 0, 0);

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-// Picture tests: they save pictures to look at into the folder ATRIUM_SCREENSHOT_DIR names, and
-// skip in ordinary test runs, where it names none.
-class ARXGalleryEnvironment : public ARXTestEnvironment {
+// Pictures to look at, not tests: scripts/screenshots runs them (atrium_pictures, which CTest never
+// runs) and names the folder they go to in ATRIUM_SCREENSHOT_DIR; without it they skip.
+class ARXPictureEnvironment : public ARXTestEnvironment {
 protected:
     void SetUp() override {
         ARXTestEnvironment::SetUp();
@@ -20,7 +20,7 @@ protected:
     }
 
     // The folder the pictures go to.
-    const QString& galleryDir() const { return _dir; }
+    const QString& pictureDir() const { return _dir; }
 
 private:
     QString _dir;
