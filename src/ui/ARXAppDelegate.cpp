@@ -17,6 +17,7 @@
 #include "ui/window/ARXWorkspacesMenu.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QMenu>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -46,6 +47,10 @@ ARXAppDelegate::ARXAppDelegate(QObject* parent) : QObject(parent) {
     connect(&ARXOpenWorkspaces::shared(), &ARXOpenWorkspaces::lastWindowClosed, this,
             &ARXAppDelegate::applicationLastWindowClosed);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ARXAppDelegate::applicationWillTerminate);
+    // Every way of quitting (QCoreApplication::quit from a menu, the tray or a signal, the
+    // session's end) reaches the application object as one Quit event, before Qt closes the
+    // windows.
+    qApp->installEventFilter(this);
 }
 
 ARXAppDelegate::~ARXAppDelegate() {
@@ -117,8 +122,8 @@ void ARXAppDelegate::reopen() {
 
 void ARXAppDelegate::applicationLastWindowClosed() {
     ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
-    if (!open.isEmpty()) {
-        return;
+    if (!open.isEmpty() || _terminating) {
+        return; // a quit already remembered every window
     }
     ARXWindowSession::rememberLastWindow(open.pendingClose, open.lastClosedName);
     if (!_statusItem) {
@@ -145,6 +150,17 @@ void ARXAppDelegate::applicationWillTerminate() {
         }
     }
     ARXWindowSession::rememberOpenWindows(windows);
+}
+
+bool ARXAppDelegate::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::Quit && !_terminating) {
+        applicationWillTerminate();
+        _terminating = true;
+        // A quit that a window refuses leaves the program running: the next closing of the last
+        // window is the user's again.
+        QTimer::singleShot(0, this, [this] { _terminating = false; });
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 QStringList ARXAppDelegate::openWorkspaceNames() const {

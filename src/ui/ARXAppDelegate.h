@@ -28,7 +28,9 @@ public:
 
     void applicationDidFinishLaunching();
     // The end of the program: remembers the open windows and tab groups, and saves each
-    // workspace as it stands.
+    // workspace as it stands. Runs as the program is asked to quit (Quit, the tray's Quit, a
+    // termination signal, the session ending), before Qt closes the windows one by one, so the
+    // last-window rule does not overwrite what it remembered.
     void applicationWillTerminate();
     // The last window closed: remembers it (or its whole tab group), and ends the program when
     // there is no tray entry to come back from.
@@ -64,9 +66,15 @@ public:
     // Tests see the program's end instead of ending; empty restores it.
     static void setQuitForTesting(std::function<void()> quit);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void deliver(const std::vector<Path>& paths, bool reveal);
 
     QPointer<QSystemTrayIcon> _statusItem;
     QMenu* _statusMenu = nullptr;
+    // Between the quit request and the end of the event loop: the windows closing then are the
+    // program ending, not the user closing its last window.
+    bool _terminating = false;
 };
