@@ -7,6 +7,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
+#include <QDBusServiceWatcher>
 #include <QTimer>
 
 #include <cstring>
@@ -22,7 +23,8 @@ ARXFileManagerService::~ARXFileManagerService() {
     if (_objectRegistered) {
         _connection.unregisterObject(objectPath);
     }
-    if (_ownsName && _connection.isConnected()) {
+    // Releasing the name also leaves the queue when Atrium was only waiting for it.
+    if (_watcher && _connection.isConnected()) {
         _connection.interface()->unregisterService(serviceName);
     }
 }
@@ -31,21 +33,32 @@ bool ARXFileManagerService::start() {
     if (!_connection.isConnected()) {
         return false;
     }
+    // The object stays up while Atrium waits in the queue, so it answers from the moment the
+    // name comes to it.
     if (!_objectRegistered) {
         _objectRegistered =
             _connection.registerObject(objectPath, this, QDBusConnection::ExportScriptableSlots);
     }
-    // Not queued: should the other file manager quit, its requests are not Atrium's to inherit
-    // half-way. Replaceable: a file manager the user starts later is the one they want.
+    if (!_watcher) {
+        _watcher = new QDBusServiceWatcher(serviceName, _connection,
+                                           QDBusServiceWatcher::WatchForOwnerChange, this);
+        connect(_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+                [this](const QString&, const QString&, const QString& owner) {
+                    _ownsName = owner == _connection.baseService();
+                });
+    }
+    // Queued: a file manager that holds the name keeps it, and Atrium takes it over when that
+    // one leaves. Not replaceable: a file manager started after Atrium joins the queue behind
+    // it instead of taking "Show in folder" away while Atrium runs.
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
         _connection.interface()->registerService(serviceName,
-                                                 QDBusConnectionInterface::DontQueueService,
-                                                 QDBusConnectionInterface::AllowReplacement);
+                                                 QDBusConnectionInterface::QueueService,
+                                                 QDBusConnectionInterface::DontAllowReplacement);
     _ownsName = reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
-    if (!_ownsName && _objectRegistered) {
-        _connection.unregisterObject(objectPath);
-        _objectRegistered = false;
-    }
+    return _ownsName;
+}
+
+bool ARXFileManagerService::ownsName() const {
     return _ownsName;
 }
 
