@@ -9,6 +9,7 @@
 #include "model/ARXFileTagManager.h"
 #include "platform/ARXMainQueue.h"
 #include "platform/ARXNotificationCenter.h"
+#include "platform/ARXStartupNotification.h"
 #include "ui/ARXAppearance.h"
 #include "ui/ARXPropertiesDialog.h"
 #include "ui/window/ARXAtriumWindow.h"
@@ -63,6 +64,8 @@ void ARXAppDelegate::applicationDidFinishLaunching() {
     // application index, hotkeys and quick launchers join here as they arrive.
     ARXEntryPointManager::shared().refreshHomePoints();
     ARXFileTagManager::shared(); // tag colours for every entry
+    // Applications started from Atrium get the time of the user's action in their startup id.
+    ARXStartupNotification::followUserTime();
     restoreWorkspaces();
     notifyAppStatusbarSettingsChanged();
     updateMenuItemHotkeys();
