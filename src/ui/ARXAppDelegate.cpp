@@ -12,6 +12,7 @@
 #include "platform/ARXStartupNotification.h"
 #include "ui/ARXAppearance.h"
 #include "ui/ARXPropertiesDialog.h"
+#include "ui/desktop/ARXWindowActivation.h"
 #include "ui/window/ARXAtriumWindow.h"
 #include "ui/window/ARXAtriumWindowController.h"
 #include "ui/window/ARXOpenWorkspaces.h"
@@ -113,13 +114,23 @@ void ARXAppDelegate::openTabGroup(const QStringList& names) {
     }
 }
 
-void ARXAppDelegate::reopen() {
+void ARXAppDelegate::reopen(const QByteArray& token) {
     if (ARXOpenWorkspaces::shared().isEmpty()) {
         restoreWorkspaces();
+        // After the windows the restoring queued.
+        ARXMainQueue::async([token] { activateFront(token); });
         return;
     }
     if (ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front()) {
         front->showWindow();
+        activateFront(token);
+    }
+}
+
+void ARXAppDelegate::activateFront(const QByteArray& token) {
+    ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front();
+    if (front && !token.isEmpty()) {
+        ARXWindowActivation::activate(front->window(), token);
     }
 }
 
@@ -172,23 +183,26 @@ QStringList ARXAppDelegate::openWorkspaceNames() const {
 
 // ----- paths from other programs
 
-void ARXAppDelegate::openPaths(const std::vector<Path>& paths) {
-    deliver(paths, false);
+void ARXAppDelegate::openPaths(const std::vector<Path>& paths, const QByteArray& token) {
+    deliver(paths, false, token);
 }
 
-void ARXAppDelegate::revealPaths(const std::vector<Path>& paths) {
-    deliver(paths, true);
+void ARXAppDelegate::revealPaths(const std::vector<Path>& paths, const QByteArray& token) {
+    deliver(paths, true, token);
 }
 
-void ARXAppDelegate::showProperties(const std::vector<Path>& paths) {
-    ARXPropertiesDialog::showFor(paths);
+void ARXAppDelegate::showProperties(const std::vector<Path>& paths, const QByteArray& token) {
+    const std::vector<ARXPropertiesDialog*> dialogs = ARXPropertiesDialog::showFor(paths);
+    if (!dialogs.empty() && !token.isEmpty()) {
+        ARXWindowActivation::activate(dialogs.back(), token);
+    }
 }
 
-void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {
+void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal, const QByteArray& token) {
     if (paths.empty()) {
         return;
     }
-    auto open = [paths, reveal] {
+    auto open = [paths, reveal, token] {
         ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front();
         if (!front) {
             return;
@@ -199,6 +213,7 @@ void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {
             front->viewController()->openPaths(paths, true);
         }
         front->showWindow();
+        activateFront(token);
     };
     if (ARXOpenWorkspaces::shared().front()) {
         open();

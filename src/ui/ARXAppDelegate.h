@@ -2,6 +2,7 @@
 
 #include "platform/ARXPath.h"
 
+#include <QByteArray>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
@@ -36,8 +37,9 @@ public:
     // there is no tray entry to come back from.
     void applicationLastWindowClosed();
     // The program started again, or its tray entry clicked: the windows that were open come
-    // back, or the one in front comes forward.
-    void reopen();
+    // back, or the one in front comes forward. `token` is the user's action from the program
+    // that asked (see ARXWindowActivation), empty for Atrium's own.
+    void reopen(const QByteArray& token = {});
 
     // Brings back the open workspaces (or the first, or a new "Default"). Each window or tab
     // group opens from the event loop, so launching returns first.
@@ -47,9 +49,9 @@ public:
 
     // Folders to open and items to show in the workspace in front (the windows that were open
     // come back first when none is).
-    void openPaths(const std::vector<Path>& paths);
-    void revealPaths(const std::vector<Path>& paths);
-    void showProperties(const std::vector<Path>& paths);
+    void openPaths(const std::vector<Path>& paths, const QByteArray& token = {});
+    void revealPaths(const std::vector<Path>& paths, const QByteArray& token = {});
+    void showProperties(const std::vector<Path>& paths, const QByteArray& token = {});
 
     // Every window's menus show the hotkeys of the hotkey table.
     void updateMenuItemHotkeys();
@@ -70,7 +72,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void deliver(const std::vector<Path>& paths, bool reveal);
+    void deliver(const std::vector<Path>& paths, bool reveal, const QByteArray& token);
+    // Brings the workspace in front forward with the token, once it has a window.
+    static void activateFront(const QByteArray& token);
 
     QPointer<QSystemTrayIcon> _statusItem;
     QMenu* _statusMenu = nullptr;

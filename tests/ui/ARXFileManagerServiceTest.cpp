@@ -103,6 +103,8 @@ TEST_F(ARXFileManagerServiceTest, FoldersOpenPropertiesShowAndEmptyCallsDoNothin
     ASSERT_TRUE(arrived);
     EXPECT_EQ(_handler.calls,
               (Calls{{"open", {folder}}, {"reveal", {file}}, {"info", {file, folder}}}));
+    // Each with the caller's startup id, for its window to come forward with.
+    EXPECT_EQ(_handler.tokens, std::vector<QByteArray>(3, "startup-id_TIME0"));
 }
 
 TEST_F(ARXFileManagerServiceTest, AtriumWaitsForTheNameAndALaterFileManagerDoesNotTakeIt) {

@@ -90,35 +90,37 @@ std::vector<Path> ARXFileManagerService::existingPaths(const QStringList& uris) 
     return paths;
 }
 
-void ARXFileManagerService::ShowFolders(const QStringList& uris, const QString&) {
-    post(Request::folders, uris);
+void ARXFileManagerService::ShowFolders(const QStringList& uris, const QString& startupId) {
+    post(Request::folders, uris, startupId);
 }
 
-void ARXFileManagerService::ShowItems(const QStringList& uris, const QString&) {
-    post(Request::items, uris);
+void ARXFileManagerService::ShowItems(const QStringList& uris, const QString& startupId) {
+    post(Request::items, uris, startupId);
 }
 
-void ARXFileManagerService::ShowItemProperties(const QStringList& uris, const QString&) {
-    post(Request::properties, uris);
+void ARXFileManagerService::ShowItemProperties(const QStringList& uris, const QString& startupId) {
+    post(Request::properties, uris, startupId);
 }
 
-void ARXFileManagerService::post(Request request, const QStringList& uris) {
+void ARXFileManagerService::post(Request request, const QStringList& uris,
+                                 const QString& startupId) {
     // The caller (often a program waiting on its "Show in folder" menu item) gets its answer
     // first; the disk is read and windows open from the event loop.
-    QTimer::singleShot(0, this, [this, request, uris] {
+    const QByteArray token = startupId.toUtf8();
+    QTimer::singleShot(0, this, [this, request, uris, token] {
         const std::vector<Path> paths = existingPaths(uris);
         if (paths.empty()) {
             return;
         }
         switch (request) {
         case Request::folders:
-            ARXSingleInstance::deliver(_handler, paths);
+            ARXSingleInstance::deliver(_handler, paths, token);
             break;
         case Request::items:
-            _handler.revealItems(paths);
+            _handler.revealItems(paths, token);
             break;
         case Request::properties:
-            _handler.showItemProperties(paths);
+            _handler.showItemProperties(paths, token);
             break;
         }
     });

@@ -38,14 +38,15 @@ public:
     static std::vector<Path> existingPaths(const QStringList& uris);
 
 public Q_SLOTS:
-    // Opens each folder; an item that is not a folder is revealed instead.
+    // The startup id is the caller's token of the user's action: the window that answers comes
+    // forward with it. Opens each folder; an item that is not a folder is revealed instead.
     Q_SCRIPTABLE void ShowFolders(const QStringList& uris, const QString& startupId);
     Q_SCRIPTABLE void ShowItems(const QStringList& uris, const QString& startupId);
     Q_SCRIPTABLE void ShowItemProperties(const QStringList& uris, const QString& startupId);
 
 private:
     enum class Request { folders, items, properties };
-    void post(Request request, const QStringList& uris);
+    void post(Request request, const QStringList& uris, const QString& startupId);
 
     QDBusConnection _connection;
     ARXInstanceHandler& _handler;
