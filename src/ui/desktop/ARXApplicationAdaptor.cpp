@@ -4,7 +4,6 @@
 #include "ui/desktop/ARXInstanceHandler.h"
 #include "ui/desktop/ARXSingleInstance.h"
 
-
 ARXApplicationAdaptor::ARXApplicationAdaptor(ARXSingleInstance* instance)
     : QDBusAbstractAdaptor(instance), _instance(instance) {}
 
