@@ -79,12 +79,16 @@ class DelegateInstanceHandler : public ARXInstanceHandler {
 public:
     explicit DelegateInstanceHandler(ARXAppDelegate& delegate) : _delegate(&delegate) {}
 
-    void openFolders(const std::vector<Path>& paths) override { _delegate->openPaths(paths); }
-    void revealItems(const std::vector<Path>& paths) override { _delegate->revealPaths(paths); }
-    void showItemProperties(const std::vector<Path>& paths) override {
-        _delegate->showProperties(paths);
+    void openFolders(const std::vector<Path>& paths, const QByteArray& token) override {
+        _delegate->openPaths(paths, token);
     }
-    void reopen() override { _delegate->reopen(); }
+    void revealItems(const std::vector<Path>& paths, const QByteArray& token) override {
+        _delegate->revealPaths(paths, token);
+    }
+    void showItemProperties(const std::vector<Path>& paths, const QByteArray& token) override {
+        _delegate->showProperties(paths, token);
+    }
+    void reopen(const QByteArray& token) override { _delegate->reopen(token); }
 
 private:
     ARXAppDelegate* _delegate;
@@ -98,6 +102,12 @@ int main(int argc, char** argv) {
         QCommandLineParser parser;
         describe(app, parser); // prints and exits
         return 0;
+    }
+    // The user's action that started this process, as its launcher passed it on; taken before
+    // Qt reads (and clears) it, for the running Atrium should this start hand over to it.
+    QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    if (token.isEmpty()) {
+        token = qgetenv("DESKTOP_STARTUP_ID");
     }
     QApplication app(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("com.brightmoor.atrium"));
@@ -116,7 +126,7 @@ int main(int argc, char** argv) {
     const std::vector<Path> paths =
         ARXSingleInstance::commandLinePaths(positionalArguments(argc, argv), workingDirectory());
     ARXSingleInstance instance(QDBusConnection::sessionBus());
-    if (instance.start(paths) == ARXSingleInstance::Role::handedOver) {
+    if (instance.start(paths, token) == ARXSingleInstance::Role::handedOver) {
         return 0;
     }
 

@@ -9,14 +9,17 @@
 #include "model/ARXFileTagManager.h"
 #include "platform/ARXMainQueue.h"
 #include "platform/ARXNotificationCenter.h"
+#include "platform/ARXStartupNotification.h"
 #include "ui/ARXAppearance.h"
 #include "ui/ARXPropertiesDialog.h"
+#include "ui/desktop/ARXWindowActivation.h"
 #include "ui/window/ARXAtriumWindow.h"
 #include "ui/window/ARXAtriumWindowController.h"
 #include "ui/window/ARXOpenWorkspaces.h"
 #include "ui/window/ARXWorkspacesMenu.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QMenu>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -46,6 +49,10 @@ ARXAppDelegate::ARXAppDelegate(QObject* parent) : QObject(parent) {
     connect(&ARXOpenWorkspaces::shared(), &ARXOpenWorkspaces::lastWindowClosed, this,
             &ARXAppDelegate::applicationLastWindowClosed);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &ARXAppDelegate::applicationWillTerminate);
+    // Every way of quitting (QCoreApplication::quit from a menu, the tray or a signal, the
+    // session's end) reaches the application object as one Quit event, before Qt closes the
+    // windows.
+    qApp->installEventFilter(this);
 }
 
 ARXAppDelegate::~ARXAppDelegate() {
@@ -58,6 +65,8 @@ void ARXAppDelegate::applicationDidFinishLaunching() {
     // application index, hotkeys and quick launchers join here as they arrive.
     ARXEntryPointManager::shared().refreshHomePoints();
     ARXFileTagManager::shared(); // tag colours for every entry
+    // Applications started from Atrium get the time of the user's action in their startup id.
+    ARXStartupNotification::followUserTime();
     restoreWorkspaces();
     notifyAppStatusbarSettingsChanged();
     updateMenuItemHotkeys();
@@ -105,20 +114,30 @@ void ARXAppDelegate::openTabGroup(const QStringList& names) {
     }
 }
 
-void ARXAppDelegate::reopen() {
+void ARXAppDelegate::reopen(const QByteArray& token) {
     if (ARXOpenWorkspaces::shared().isEmpty()) {
         restoreWorkspaces();
+        // After the windows the restoring queued.
+        ARXMainQueue::async([token] { activateFront(token); });
         return;
     }
     if (ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front()) {
         front->showWindow();
+        activateFront(token);
+    }
+}
+
+void ARXAppDelegate::activateFront(const QByteArray& token) {
+    ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front();
+    if (front && !token.isEmpty()) {
+        ARXWindowActivation::activate(front->window(), token);
     }
 }
 
 void ARXAppDelegate::applicationLastWindowClosed() {
     ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
-    if (!open.isEmpty()) {
-        return;
+    if (!open.isEmpty() || _terminating) {
+        return; // a quit already remembered every window
     }
     ARXWindowSession::rememberLastWindow(open.pendingClose, open.lastClosedName);
     if (!_statusItem) {
@@ -147,29 +166,43 @@ void ARXAppDelegate::applicationWillTerminate() {
     ARXWindowSession::rememberOpenWindows(windows);
 }
 
+bool ARXAppDelegate::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::Quit && !_terminating) {
+        applicationWillTerminate();
+        _terminating = true;
+        // A quit that a window refuses leaves the program running: the next closing of the last
+        // window is the user's again.
+        QTimer::singleShot(0, this, [this] { _terminating = false; });
+    }
+    return QObject::eventFilter(watched, event);
+}
+
 QStringList ARXAppDelegate::openWorkspaceNames() const {
     return ARXOpenWorkspaces::shared().names();
 }
 
 // ----- paths from other programs
 
-void ARXAppDelegate::openPaths(const std::vector<Path>& paths) {
-    deliver(paths, false);
+void ARXAppDelegate::openPaths(const std::vector<Path>& paths, const QByteArray& token) {
+    deliver(paths, false, token);
 }
 
-void ARXAppDelegate::revealPaths(const std::vector<Path>& paths) {
-    deliver(paths, true);
+void ARXAppDelegate::revealPaths(const std::vector<Path>& paths, const QByteArray& token) {
+    deliver(paths, true, token);
 }
 
-void ARXAppDelegate::showProperties(const std::vector<Path>& paths) {
-    ARXPropertiesDialog::showFor(paths);
+void ARXAppDelegate::showProperties(const std::vector<Path>& paths, const QByteArray& token) {
+    const std::vector<ARXPropertiesDialog*> dialogs = ARXPropertiesDialog::showFor(paths);
+    if (!dialogs.empty() && !token.isEmpty()) {
+        ARXWindowActivation::activate(dialogs.back(), token);
+    }
 }
 
-void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {
+void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal, const QByteArray& token) {
     if (paths.empty()) {
         return;
     }
-    auto open = [paths, reveal] {
+    auto open = [paths, reveal, token] {
         ARXAtriumWindowController* front = ARXOpenWorkspaces::shared().front();
         if (!front) {
             return;
@@ -180,6 +213,7 @@ void ARXAppDelegate::deliver(const std::vector<Path>& paths, bool reveal) {
             front->viewController()->openPaths(paths, true);
         }
         front->showWindow();
+        activateFront(token);
     };
     if (ARXOpenWorkspaces::shared().front()) {
         open();

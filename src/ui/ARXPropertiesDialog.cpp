@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QLocale>
 #include <QPointer>
+#include <QScreen>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <thread>
@@ -127,13 +129,33 @@ void ARXPropertiesDialog::measureFolder() {
 std::vector<ARXPropertiesDialog*> ARXPropertiesDialog::showFor(const std::vector<Path>& paths,
                                                                QWidget* parent) {
     std::vector<ARXPropertiesDialog*> dialogs;
+    QPoint first;
+    QRect area;
+    int step = 0;
     for (const Path& path : paths) {
         if (dialogs.size() == kMaximumWindows) {
             break;
         }
         auto* dialog = new ARXPropertiesDialog(path, parent);
         dialog->setWindowFlag(Qt::Window, true);
+        if (!dialogs.empty()) {
+            // The windows cascade down and to the right from the first, each showing the title
+            // of the one behind it; where the screen ends, the cascade starts again at the top.
+            int index = int(dialogs.size());
+            const int bottom = first.y() + dialog->sizeHint().height();
+            if (!area.isEmpty() && step > 0 && bottom < area.bottom()) {
+                index %= (area.bottom() - bottom) / step + 1;
+            }
+            dialog->move(first + QPoint(step, step) * index);
+        }
         dialog->show();
+        if (dialogs.empty()) {
+            // Where Qt placed the first (over its parent, or centred) starts the cascade.
+            first = dialog->pos();
+            area = dialog->screen() ? dialog->screen()->availableGeometry() : QRect();
+            step = dialog->style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, dialog) +
+                   dialog->fontMetrics().height() / 2;
+        }
         dialogs.push_back(dialog);
     }
     return dialogs;

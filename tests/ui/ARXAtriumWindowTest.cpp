@@ -2,11 +2,13 @@
 
 #include "app/ARXConf.h"
 #include "app/ARXDataCenter.h"
+#include "platform/ARXTerminationSignals.h"
 #include "support/ARXFakeVolumes.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/ARXAppDelegate.h"
 #include "ui/ARXPropertiesDialog.h"
 #include "ui/window/ARXAtriumWindowController.h"
+#include "ui/window/ARXMainMenu.h"
 #include "ui/window/ARXOpenWorkspaces.h"
 #include "ui/workspace/ARXWorkspaceStore.h"
 
@@ -17,6 +19,9 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <csignal>
+#include <functional>
 
 namespace {
 
@@ -163,15 +168,43 @@ TEST_F(ARXAtriumWindowTest, AWorkspaceWaitingInTheBackgroundIsBuiltWhenItsTabCom
     EXPECT_EQ(readFile(ARXDataCenter::shared().path("B")), before);
 }
 
-TEST_F(ARXAtriumWindowTest, EndingTheProgramRemembersEveryWindowAndItsTabs) {
-    ARXAppDelegate delegate;
-    tabGroup({"A", "C"});
-    ARXAtriumWindowController::open("B", false)->showWindow();
-    ASSERT_EQ(ARXAtriumWindow::windows().size(), 2);
+TEST_F(ARXAtriumWindowTest, QuittingRemembersEveryWindowAndItsTabsAndTheNextStartBringsThemBack) {
+    // The real ways to quit: the menu's Quit (Ctrl+Q, as the tray's Quit) and a termination
+    // signal, each ending a running event loop that then closes the windows one by one.
+    ARXTerminationSignals::quitApplicationOnTermination();
+    const std::vector<std::function<void(ARXAtriumWindow*)>> quits{
+        [](ARXAtriumWindow* window) { window->mainMenu()->quitItem()->trigger(); },
+        [](ARXAtriumWindow*) { ::raise(SIGTERM); },
+    };
+    for (const auto& quit : quits) {
+        ARXConf::cached_open_atrium_names().reset();
+        ARXConf::cached_open_atrium_tab_names().reset();
+        {
+            ARXAppDelegate delegate;
+            ARXAtriumWindow* group = tabGroup({"A", "C"});
+            ARXAtriumWindowController::open("B", false)->showWindow();
+            QTimer::singleShot(0, group, [&quit, group] { quit(group); });
+            QApplication::exec();
+            EXPECT_TRUE(ARXOpenWorkspaces::shared().isEmpty());
+            EXPECT_EQ(ARXConf::cached_open_atrium_tab_names().value(),
+                      (QList<QStringList>{{"A", "C"}}));
+            EXPECT_EQ(ARXConf::cached_open_atrium_names().value(), QStringList{"B"});
+        }
+        ASSERT_TRUE(waitUntil([] { return ARXAtriumWindow::windows().isEmpty(); }));
 
-    delegate.applicationWillTerminate();
-    EXPECT_EQ(ARXConf::cached_open_atrium_tab_names().value(), (QList<QStringList>{{"A", "C"}}));
-    EXPECT_EQ(ARXConf::cached_open_atrium_names().value(), QStringList{"B"});
+        ARXAppDelegate delegate;
+        delegate.applicationDidFinishLaunching();
+        ASSERT_TRUE(waitUntil([] { return ARXAtriumWindow::windows().size() == 2; }));
+        QList<QStringList> windows;
+        for (ARXAtriumWindow* window : ARXAtriumWindow::windows()) {
+            windows.append(tabNames(window));
+        }
+        EXPECT_EQ(windows, (QList<QStringList>{{"B"}, {"A", "C"}}));
+        for (ARXAtriumWindow* window : ARXAtriumWindow::windows()) {
+            window->close();
+        }
+        ASSERT_TRUE(waitUntil([] { return ARXAtriumWindow::windows().isEmpty(); }));
+    }
 }
 
 TEST_F(ARXAtriumWindowTest, AnOpenWorkspaceAddedAsATabMovesIntoTheWindow) {
@@ -309,6 +342,23 @@ TEST_F(ARXAtriumWindowTest, AFrameOffEveryScreenOpensCentredAtTheDefaultSize) {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     EXPECT_TRUE(screen.contains(controller->window()->geometry().center()));
     EXPECT_LE(controller->window()->width(), screen.width());
+}
+
+TEST_F(ARXAtriumWindowTest, AWindowClosedAndOpenedAgainComesBackWhereItWas) {
+    ARXAtriumData data = ARXDataCenter::emptyWorkspace();
+    data.frame = QRectF(60, 70, 500, 400);
+    ARXDataCenter::shared().save("Here", data);
+    ARXAppDelegate delegate;
+    for (int round = 0; round < 3; ++round) {
+        ARXAtriumWindowController* controller = ARXAtriumWindowController::open("Here", false);
+        controller->showWindow();
+        // The decorated platform draws a frame around the client area; the saved frame is the
+        // client area, and is where it comes back.
+        EXPECT_EQ(controller->window()->geometry(), QRect(60, 70, 500, 400)) << round;
+        controller->atriumWindow()->close();
+        ASSERT_TRUE(waitUntil([] { return ARXAtriumWindow::windows().isEmpty(); }));
+        EXPECT_EQ(ARXWorkspaceStore::record("Here").frame, QRectF(60, 70, 500, 400)) << round;
+    }
 }
 
 TEST_F(ARXAtriumWindowTest, PathsHandedOverOpenInTheFrontWorkspaceEvenBeforeItsWindow) {

@@ -6,6 +6,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusReply>
 
 #include <gtest/gtest.h>
 
@@ -102,19 +103,43 @@ TEST_F(ARXFileManagerServiceTest, FoldersOpenPropertiesShowAndEmptyCallsDoNothin
     ASSERT_TRUE(arrived);
     EXPECT_EQ(_handler.calls,
               (Calls{{"open", {folder}}, {"reveal", {file}}, {"info", {file, folder}}}));
+    // Each with the caller's startup id, for its window to come forward with.
+    EXPECT_EQ(_handler.tokens, std::vector<QByteArray>(3, "startup-id_TIME0"));
 }
 
-TEST_F(ARXFileManagerServiceTest, AnotherFileManagerKeepsTheNameQuietly) {
+TEST_F(ARXFileManagerServiceTest, AtriumWaitsForTheNameAndALaterFileManagerDoesNotTakeIt) {
     _service.reset();
     QDBusConnection other = _bus->connect(QStringLiteral("other"));
     ASSERT_TRUE(other.registerService(ARXFileManagerService::serviceName));
 
-    ARXFileManagerService late(_bus->connect(QStringLiteral("late")), _handler);
+    // Another file manager holds the name: Atrium queues, quietly.
+    QDBusConnection atrium = _bus->connect(QStringLiteral("late"));
+    ARXFileManagerService late(atrium, _handler);
     testing::internal::CaptureStderr();
     EXPECT_FALSE(late.start());
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(other.interface()->serviceOwner(ARXFileManagerService::serviceName).value(),
-              other.baseService());
+    QDBusConnectionInterface* bus = _caller.interface();
+    EXPECT_EQ(bus->serviceOwner(ARXFileManagerService::serviceName).value(), other.baseService());
+
+    // It leaves: the name comes to Atrium, which answers at once.
+    other.unregisterService(ARXFileManagerService::serviceName);
+    ASSERT_TRUE(waitUntil([&] { return late.ownsName(); }));
+    EXPECT_EQ(bus->serviceOwner(ARXFileManagerService::serviceName).value(), atrium.baseService());
+    const Path folder = ARXPath::join(home(), "Folder");
+    makeFolder(folder);
+    call("ShowFolders", {uri(folder)});
+    ASSERT_TRUE(waitForCalls(1));
+
+    // A file manager started after Atrium asks to replace it, and is refused.
+    QDBusConnection third = _bus->connect(QStringLiteral("third"));
+    const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
+        third.interface()->registerService(ARXFileManagerService::serviceName,
+                                           QDBusConnectionInterface::ReplaceExistingService,
+                                           QDBusConnectionInterface::AllowReplacement);
+    ASSERT_TRUE(reply.isValid());
+    EXPECT_NE(reply.value(), QDBusConnectionInterface::ServiceRegistered);
+    EXPECT_EQ(bus->serviceOwner(ARXFileManagerService::serviceName).value(), atrium.baseService());
+    EXPECT_TRUE(late.ownsName());
 }
 
 } // namespace

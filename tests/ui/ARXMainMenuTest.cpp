@@ -1,5 +1,6 @@
 #include "ui/window/ARXMainMenu.h"
 
+#include "app/ARXConf.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/ARXKeyEvents.h"
 
@@ -251,6 +252,19 @@ TEST_F(ARXMainMenuTest, TheHomeFoldersAreCalledAsTheDesktopNamedThem) {
     menu->validateItems();
     EXPECT_EQ(menu->item(A::GoHome)->text(), QStringLiteral("Start"));
     EXPECT_EQ(menu->item(A::GoDocuments)->text(), QStringLiteral("Dokumente"));
+}
+
+TEST_F(ARXMainMenuTest, TheCloudDriveItemStandsInTheMenuOnlyWhileTheDriveExists) {
+    QAction* cloud = menu->item(A::GoiCloudDrive);
+    EXPECT_FALSE(cloud->isVisible());
+    openAndClose(menuTitled(QStringLiteral("&Go")));
+    EXPECT_FALSE(cloud->isVisible());
+    EXPECT_FALSE(cloud->isEnabled()); // its hotkey does nothing either
+
+    makeFolder(ARXConf::cloudDrivePath());
+    openAndClose(menuTitled(QStringLiteral("&Go")));
+    EXPECT_TRUE(cloud->isVisible());
+    EXPECT_TRUE(cloud->isEnabled());
 }
 
 TEST_F(ARXMainMenuTest, ChoosingAnItemNamesItsAction) {

@@ -31,7 +31,7 @@ TEST_F(ARXPropertiesDialogTest, AFolderIsMeasuredInTheBackgroundAndAFileAtOnce) 
         << file.sizeText().toStdString();
 }
 
-TEST_F(ARXPropertiesDialogTest, AnItemThatCannotBeReadShowsWhyAndManyItemsOpenAFewWindows) {
+TEST_F(ARXPropertiesDialogTest, AnItemThatCannotBeReadShowsWhyAndManyItemsOpenAFewCascadedWindows) {
     ARXPropertiesDialog missing(at("nowhere"));
     bool said = false;
     for (QLabel* label : missing.findChildren<QLabel*>()) {
@@ -48,6 +48,11 @@ TEST_F(ARXPropertiesDialogTest, AnItemThatCannotBeReadShowsWhyAndManyItemsOpenAF
     }
     const auto dialogs = ARXPropertiesDialog::showFor(many);
     EXPECT_EQ(dialogs.size(), ARXPropertiesDialog::kMaximumWindows);
+    // They cascade rather than stand exactly on top of one another.
+    for (size_t i = 1; i < 5; ++i) {
+        EXPECT_GT(dialogs[i]->pos().x(), dialogs[i - 1]->pos().x()) << i;
+        EXPECT_GT(dialogs[i]->pos().y(), dialogs[i - 1]->pos().y()) << i;
+    }
     for (ARXPropertiesDialog* dialog : dialogs) {
         dialog->close();
     }

@@ -78,14 +78,27 @@ private:
     QStringList _connections;
 };
 
-// The application's side: each request as a kind and its paths.
+// The application's side: each request as a kind and its paths, and the token it came with.
 class ARXRecordingHandler : public ARXInstanceHandler {
 public:
     using Call = std::pair<std::string, std::vector<Path>>;
-    void openFolders(const std::vector<Path>& p) override { calls.push_back({"open", p}); }
-    void revealItems(const std::vector<Path>& p) override { calls.push_back({"reveal", p}); }
-    void showItemProperties(const std::vector<Path>& p) override { calls.push_back({"info", p}); }
-    void reopen() override { calls.push_back({"reopen", {}}); }
+    void openFolders(const std::vector<Path>& p, const QByteArray& t) override {
+        record("open", p, t);
+    }
+    void revealItems(const std::vector<Path>& p, const QByteArray& t) override {
+        record("reveal", p, t);
+    }
+    void showItemProperties(const std::vector<Path>& p, const QByteArray& t) override {
+        record("info", p, t);
+    }
+    void reopen(const QByteArray& t) override { record("reopen", {}, t); }
 
     std::vector<Call> calls;
+    std::vector<QByteArray> tokens;
+
+private:
+    void record(const char* kind, const std::vector<Path>& paths, const QByteArray& token) {
+        calls.push_back({kind, paths});
+        tokens.push_back(token);
+    }
 };

@@ -2,6 +2,7 @@
 
 #include "ARXServiceTestBus.h"
 #include "support/ARXTestEnvironment.h"
+#include "ui/ARXFileClipboard.h"
 
 #include <QDBusMessage>
 #include <QSemaphore>
@@ -16,7 +17,8 @@
 namespace {
 
 using Paths = std::vector<Path>;
-using Calls = std::vector<ARXRecordingHandler::Call>;
+using Call = ARXRecordingHandler::Call;
+using Calls = std::vector<Call>;
 using Role = ARXSingleInstance::Role;
 
 // A thread that never runs its event loop: an object living there is sent calls that are never
@@ -72,12 +74,44 @@ TEST_F(ARXSingleInstanceTest, LaterStartsHandTheirPathsOrAnActivationToTheFirst)
     ASSERT_EQ(first->start({}), Role::first);
 
     // Requests that come before the application is ready wait for it, in order.
-    EXPECT_EQ(process(QStringLiteral("second"))->start({folder, file}), Role::handedOver);
-    EXPECT_EQ(process(QStringLiteral("third"))->start({}), Role::handedOver);
+    // Each hands over the token of the user's action that started it.
+    EXPECT_EQ(process(QStringLiteral("second"))->start({folder, file}, "second_TIME7"),
+              Role::handedOver);
+    EXPECT_EQ(process(QStringLiteral("third"))->start({}, "third-token"), Role::handedOver);
     ARXRecordingHandler handler;
     first->setHandler(&handler);
     ASSERT_TRUE(waitUntil([&] { return handler.calls.size() == 3; }));
     EXPECT_EQ(handler.calls, (Calls{{"open", {folder}}, {"reveal", {file}}, {"reopen", {}}}));
+    EXPECT_EQ(handler.tokens,
+              (std::vector<QByteArray>{"second_TIME7", "second_TIME7", "third-token"}));
+
+    // Launchers reach it through org.freedesktop.Application, with the token in the platform
+    // data; it has no actions to activate.
+    QDBusConnection launcher = _bus->connect(QStringLiteral("launcher"));
+    const auto application = [&](const char* method, const QVariantList& arguments) {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            ARXSingleInstance::serviceName, ARXSingleInstance::objectPath,
+            QStringLiteral("org.freedesktop.Application"), QString::fromLatin1(method));
+        call.setArguments(arguments);
+        return launcher.call(call, QDBus::BlockWithGui, 5000);
+    };
+    const QVariantMap x11{{QStringLiteral("desktop-startup-id"), QStringLiteral("menu_TIME42")}};
+    const QVariantMap wayland{{QStringLiteral("activation-token"), QStringLiteral("wl-1")}};
+    EXPECT_EQ(
+        application("Open",
+                    {QStringList{QString::fromLatin1(ARXFileClipboard::fileUri(folder))}, x11})
+            .type(),
+        QDBusMessage::ReplyMessage);
+    EXPECT_EQ(application("Activate", {wayland}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(application("ActivateAction",
+                          {QStringLiteral("frobnicate"), QVariant::fromValue(QVariantList()), x11})
+                  .type(),
+              QDBusMessage::ErrorMessage);
+    ASSERT_TRUE(waitUntil([&] { return handler.calls.size() == 5; }));
+    EXPECT_EQ(handler.calls[3], (Call{"open", {folder}}));
+    EXPECT_EQ(handler.calls[4], (Call{"reopen", {}}));
+    EXPECT_EQ(handler.tokens[3], "menu_TIME42");
+    EXPECT_EQ(handler.tokens[4], "wl-1");
 
     // When the first quits, the next start takes its place.
     first.reset();
@@ -99,7 +133,7 @@ TEST_F(ARXSingleInstanceTest, ARetriedCallCountsOnceAndRelativePathsAreLeftOut) 
         QDBusMessage call = QDBusMessage::createMethodCall(
             ARXSingleInstance::serviceName, ARXSingleInstance::objectPath,
             ARXSingleInstance::interfaceName, QStringLiteral("Open"));
-        call << QVariant::fromValue(paths);
+        call << QVariant::fromValue(paths) << QString();
         EXPECT_EQ(caller.call(call, QDBus::BlockWithGui, 5000).type(), QDBusMessage::ReplyMessage);
     };
     // A second start whose first call timed out sends the same call again.

@@ -7,6 +7,7 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
+#include <QDBusServiceWatcher>
 #include <QTimer>
 
 #include <cstring>
@@ -22,7 +23,8 @@ ARXFileManagerService::~ARXFileManagerService() {
     if (_objectRegistered) {
         _connection.unregisterObject(objectPath);
     }
-    if (_ownsName && _connection.isConnected()) {
+    // Releasing the name also leaves the queue when Atrium was only waiting for it.
+    if (_watcher && _connection.isConnected()) {
         _connection.interface()->unregisterService(serviceName);
     }
 }
@@ -31,21 +33,32 @@ bool ARXFileManagerService::start() {
     if (!_connection.isConnected()) {
         return false;
     }
+    // The object stays up while Atrium waits in the queue, so it answers from the moment the
+    // name comes to it.
     if (!_objectRegistered) {
         _objectRegistered =
             _connection.registerObject(objectPath, this, QDBusConnection::ExportScriptableSlots);
     }
-    // Not queued: should the other file manager quit, its requests are not Atrium's to inherit
-    // half-way. Replaceable: a file manager the user starts later is the one they want.
+    if (!_watcher) {
+        _watcher = new QDBusServiceWatcher(serviceName, _connection,
+                                           QDBusServiceWatcher::WatchForOwnerChange, this);
+        connect(_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+                [this](const QString&, const QString&, const QString& owner) {
+                    _ownsName = owner == _connection.baseService();
+                });
+    }
+    // Queued: a file manager that holds the name keeps it, and Atrium takes it over when that
+    // one leaves. Not replaceable: a file manager started after Atrium joins the queue behind
+    // it instead of taking "Show in folder" away while Atrium runs.
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
         _connection.interface()->registerService(serviceName,
-                                                 QDBusConnectionInterface::DontQueueService,
-                                                 QDBusConnectionInterface::AllowReplacement);
+                                                 QDBusConnectionInterface::QueueService,
+                                                 QDBusConnectionInterface::DontAllowReplacement);
     _ownsName = reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
-    if (!_ownsName && _objectRegistered) {
-        _connection.unregisterObject(objectPath);
-        _objectRegistered = false;
-    }
+    return _ownsName;
+}
+
+bool ARXFileManagerService::ownsName() const {
     return _ownsName;
 }
 
@@ -77,35 +90,37 @@ std::vector<Path> ARXFileManagerService::existingPaths(const QStringList& uris) 
     return paths;
 }
 
-void ARXFileManagerService::ShowFolders(const QStringList& uris, const QString&) {
-    post(Request::folders, uris);
+void ARXFileManagerService::ShowFolders(const QStringList& uris, const QString& startupId) {
+    post(Request::folders, uris, startupId);
 }
 
-void ARXFileManagerService::ShowItems(const QStringList& uris, const QString&) {
-    post(Request::items, uris);
+void ARXFileManagerService::ShowItems(const QStringList& uris, const QString& startupId) {
+    post(Request::items, uris, startupId);
 }
 
-void ARXFileManagerService::ShowItemProperties(const QStringList& uris, const QString&) {
-    post(Request::properties, uris);
+void ARXFileManagerService::ShowItemProperties(const QStringList& uris, const QString& startupId) {
+    post(Request::properties, uris, startupId);
 }
 
-void ARXFileManagerService::post(Request request, const QStringList& uris) {
+void ARXFileManagerService::post(Request request, const QStringList& uris,
+                                 const QString& startupId) {
     // The caller (often a program waiting on its "Show in folder" menu item) gets its answer
     // first; the disk is read and windows open from the event loop.
-    QTimer::singleShot(0, this, [this, request, uris] {
+    const QByteArray token = startupId.toUtf8();
+    QTimer::singleShot(0, this, [this, request, uris, token] {
         const std::vector<Path> paths = existingPaths(uris);
         if (paths.empty()) {
             return;
         }
         switch (request) {
         case Request::folders:
-            ARXSingleInstance::deliver(_handler, paths);
+            ARXSingleInstance::deliver(_handler, paths, token);
             break;
         case Request::items:
-            _handler.revealItems(paths);
+            _handler.revealItems(paths, token);
             break;
         case Request::properties:
-            _handler.showItemProperties(paths);
+            _handler.showItemProperties(paths, token);
             break;
         }
     });

@@ -10,6 +10,7 @@
 #include <vector>
 
 class ARXInstanceHandler;
+class QDBusServiceWatcher;
 
 // The desktop's file manager service, org.freedesktop.FileManager1 on
 // /org/freedesktop/FileManager1: other programs' "Show in folder" and "Properties" land in Atrium.
@@ -27,26 +28,29 @@ public:
                           QObject* parent = nullptr);
     ~ARXFileManagerService() override;
 
-    // Serves the interface and takes the name unless another file manager holds it, in which case
-    // Atrium stays out of its way without a word. Answers whether Atrium owns the name. Another
-    // file manager started later may take the name over.
+    // Serves the interface and takes the name, or, when another file manager holds it, waits in
+    // the bus's queue without a word and takes the name when that one leaves. A file manager
+    // started later does not take it from Atrium. Answers whether Atrium owns the name now.
     bool start();
+    bool ownsName() const;
 
     // The local paths of the URIs that name an item on disk, in order.
     static std::vector<Path> existingPaths(const QStringList& uris);
 
 public Q_SLOTS:
-    // Opens each folder; an item that is not a folder is revealed instead.
+    // The startup id is the caller's token of the user's action: the window that answers comes
+    // forward with it. Opens each folder; an item that is not a folder is revealed instead.
     Q_SCRIPTABLE void ShowFolders(const QStringList& uris, const QString& startupId);
     Q_SCRIPTABLE void ShowItems(const QStringList& uris, const QString& startupId);
     Q_SCRIPTABLE void ShowItemProperties(const QStringList& uris, const QString& startupId);
 
 private:
     enum class Request { folders, items, properties };
-    void post(Request request, const QStringList& uris);
+    void post(Request request, const QStringList& uris, const QString& startupId);
 
     QDBusConnection _connection;
     ARXInstanceHandler& _handler;
+    QDBusServiceWatcher* _watcher = nullptr;
     bool _objectRegistered = false;
     bool _ownsName = false;
 };

@@ -3,6 +3,7 @@
 #include "platform/ARXConsole.h"
 #include "platform/ARXFileStatus.h"
 #include "ui/ARXFileClipboard.h"
+#include "ui/desktop/ARXApplicationAdaptor.h"
 #include "ui/desktop/ARXInstanceHandler.h"
 
 #include <QDBusConnectionInterface>
@@ -81,6 +82,7 @@ void reportMissing(const Path& path, int error) {
 ARXSingleInstance::ARXSingleInstance(const QDBusConnection& connection, QObject* parent)
     : QObject(parent), _connection(connection) {
     qDBusRegisterMetaType<QList<QByteArray>>();
+    new ARXApplicationAdaptor(this);
 }
 
 ARXSingleInstance::~ARXSingleInstance() {
@@ -92,7 +94,8 @@ ARXSingleInstance::~ARXSingleInstance() {
     }
 }
 
-ARXSingleInstance::Role ARXSingleInstance::start(const std::vector<Path>& paths) {
+ARXSingleInstance::Role ARXSingleInstance::start(const std::vector<Path>& paths,
+                                                 const QByteArray& token) {
     if (!_connection.isConnected()) {
         const QString reason = _connection.lastError().message();
         ARXConsole::line(QStringLiteral("Atrium: no session bus (%1); running on its own")
@@ -111,7 +114,7 @@ ARXSingleInstance::Role ARXSingleInstance::start(const std::vector<Path>& paths)
         if (claimName()) {
             return _role = Role::first;
         }
-        lastError = handOver(paths);
+        lastError = handOver(paths, token);
         if (lastError.isEmpty()) {
             break;
         }
@@ -132,8 +135,9 @@ ARXSingleInstance::Role ARXSingleInstance::start(const std::vector<Path>& paths)
 bool ARXSingleInstance::claimName() {
     // The object goes up before the name, so that whoever sees the name can reach the object.
     if (!_objectRegistered) {
-        _objectRegistered =
-            _connection.registerObject(objectPath, this, QDBusConnection::ExportScriptableSlots);
+        _objectRegistered = _connection.registerObject(objectPath, this,
+                                                       QDBusConnection::ExportScriptableSlots |
+                                                           QDBusConnection::ExportAdaptors);
     }
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
         _connection.interface()->registerService(serviceName,
@@ -142,7 +146,7 @@ bool ARXSingleInstance::claimName() {
     return reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
 
-QString ARXSingleInstance::handOver(const std::vector<Path>& paths) {
+QString ARXSingleInstance::handOver(const std::vector<Path>& paths, const QByteArray& token) {
     QDBusMessage call = QDBusMessage::createMethodCall(serviceName, objectPath, interfaceName,
                                                        paths.empty() ? QStringLiteral("Activate")
                                                                      : QStringLiteral("Open"));
@@ -153,6 +157,7 @@ QString ARXSingleInstance::handOver(const std::vector<Path>& paths) {
         }
         call << QVariant::fromValue(bytes);
     }
+    call << QString::fromUtf8(token);
     // The event loop keeps running meanwhile: the wait is bounded, and a caller in the same
     // process as the owner (as in tests) does not block the owner's answer.
     const QDBusMessage reply = _connection.call(call, QDBus::BlockWithGui, _timing.callTimeoutMs);
@@ -170,11 +175,11 @@ QString ARXSingleInstance::handOver(const std::vector<Path>& paths) {
 void ARXSingleInstance::setHandler(ARXInstanceHandler* handler) {
     _handler = handler;
     if (_handler && !_pending.empty()) {
-        QTimer::singleShot(0, this, [this] { enqueue({}); });
+        QTimer::singleShot(0, this, [this] { post({}); });
     }
 }
 
-void ARXSingleInstance::enqueue(std::function<void(ARXInstanceHandler&)> request) {
+void ARXSingleInstance::post(std::function<void(ARXInstanceHandler&)> request) {
     if (request) {
         _pending.push_back(std::move(request));
     }
@@ -194,6 +199,13 @@ void ARXSingleInstance::enqueue(std::function<void(ARXInstanceHandler&)> request
     });
 }
 
+void ARXSingleInstance::refuseCall(const QString& text) {
+    // The bus sets the call's context on the object it reached, also for its adaptors' calls.
+    if (calledFromDBus()) {
+        sendErrorReply(QDBusError::InvalidArgs, text);
+    }
+}
+
 bool ARXSingleInstance::isRepeatedRequest(const QByteArray& key) {
     // A second start whose call timed out sends the same call again, and both copies reach the
     // owner once it answers; the copy from the same sender is dropped.
@@ -206,7 +218,7 @@ bool ARXSingleInstance::isRepeatedRequest(const QByteArray& key) {
     return false;
 }
 
-void ARXSingleInstance::Open(const QList<QByteArray>& paths) {
+void ARXSingleInstance::Open(const QList<QByteArray>& paths, const QString& token) {
     std::vector<Path> absolute;
     QByteArray key("Open");
     for (const QByteArray& bytes : paths) {
@@ -223,17 +235,20 @@ void ARXSingleInstance::Open(const QList<QByteArray>& paths) {
     if (isRepeatedRequest(key)) {
         return;
     }
-    enqueue([absolute](ARXInstanceHandler& handler) { deliver(handler, absolute); });
+    post([absolute, bytes = token.toUtf8()](ARXInstanceHandler& handler) {
+        deliver(handler, absolute, bytes);
+    });
 }
 
-void ARXSingleInstance::Activate() {
+void ARXSingleInstance::Activate(const QString& token) {
     if (isRepeatedRequest(QByteArrayLiteral("Activate"))) {
         return;
     }
-    enqueue([](ARXInstanceHandler& handler) { handler.reopen(); });
+    post([bytes = token.toUtf8()](ARXInstanceHandler& handler) { handler.reopen(bytes); });
 }
 
-void ARXSingleInstance::deliver(ARXInstanceHandler& handler, const std::vector<Path>& paths) {
+void ARXSingleInstance::deliver(ARXInstanceHandler& handler, const std::vector<Path>& paths,
+                                const QByteArray& token) {
     std::vector<Path> folders;
     std::vector<Path> items;
     for (const Path& path : paths) {
@@ -248,14 +263,14 @@ void ARXSingleInstance::deliver(ARXInstanceHandler& handler, const std::vector<P
         }
     }
     if (!folders.empty()) {
-        handler.openFolders(folders);
+        handler.openFolders(folders, token);
     }
     if (!items.empty()) {
-        handler.revealItems(items);
+        handler.revealItems(items, token);
     }
     if (folders.empty() && items.empty()) {
         // Asked to show something that is gone: the nearest answer is the window itself.
-        handler.reopen();
+        handler.reopen(token);
     }
 }
 

@@ -129,9 +129,13 @@ void ARXAtriumWindowController::setAtriumWindow(ARXAtriumWindow* window) {
 void ARXAtriumWindowController::makeOwnWindow() {
     auto* window = new ARXAtriumWindow();
     const ARXWindowPlacement placement = ARXWindowFrame::place(_data, availableScreens(), _asTab);
-    window->resize(placement.frame.size().toSize());
-    if (!placement.center) {
-        window->move(placement.frame.topLeft().toPoint());
+    // The saved frame is the window's client area (what QWidget::geometry gives when the
+    // workspace is saved), so it is restored as one: move() would place the decoration's corner
+    // there, and the window would come back lower by its title bar at every reopen.
+    if (placement.center) {
+        window->resize(placement.frame.size().toSize());
+    } else {
+        window->setGeometry(placement.frame.toRect());
     }
     setAlignCenter(placement.center);
     if (_data.pinTop.value_or(false)) {

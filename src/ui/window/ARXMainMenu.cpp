@@ -1,5 +1,7 @@
 #include "ui/window/ARXMainMenu.h"
 
+#include "app/ARXConf.h"
+#include "platform/ARXFileStatus.h"
 #include "platform/ARXPath.h"
 #include "platform/ARXSystemPaths.h"
 #include "ui/ARXKeyEvents.h"
@@ -135,6 +137,15 @@ QString userFolderTitle(const char* kind, ARXActionType type) {
     return ARXPath::display(name);
 }
 
+// Items for what a Linux computer usually lacks stand in the menus only while it is there: the
+// cloud drive exists only in a home brought over from a Mac, where its folder is present.
+bool isAvailable(ARXActionType type) {
+    if (type == A::GoiCloudDrive) {
+        return ARXFileStatus::stat(ARXConf::cloudDrivePath()).isDirectory();
+    }
+    return true;
+}
+
 } // namespace
 
 ARXMainMenu::ARXMainMenu(QMenuBar* bar) : QObject(bar) {
@@ -159,6 +170,7 @@ ARXMainMenu::ARXMainMenu(QMenuBar* bar) : QObject(bar) {
                 continue;
             }
             action->setData(int(entry.type));
+            action->setVisible(isAvailable(entry.type));
             _items[size_t(entry.type)] = action;
             const ARXActionType type = entry.type;
             connect(action, &QAction::triggered, this, [this, type] { Q_EMIT triggered(type); });
@@ -191,13 +203,17 @@ void ARXMainMenu::validateMenu(QMenu* menu) {
 }
 
 void ARXMainMenu::validate(QAction* action, ARXActionType type) {
+    // A hidden item is also off, so that its hotkey does nothing either.
+    const bool available = isAvailable(type);
+    action->setVisible(available);
     if (!_validator) {
         // The folder names may have changed since the menu was made.
+        action->setEnabled(available);
         action->setText(itemText(defaultTitle(type)));
         return;
     }
     const ARXMenuItemState state = _validator(type);
-    action->setEnabled(state.enabled);
+    action->setEnabled(state.enabled && available);
     action->setCheckable(state.checked.has_value());
     if (state.checked) {
         action->setChecked(*state.checked);
