@@ -14,8 +14,9 @@
 // What they promise about the user's data: the source of a copy is never touched; a failed copy
 // leaves nothing behind under the destination name; a move across file systems removes its
 // source only after the whole copy succeeded; an existing item is never overwritten except by
-// the replace calls, and those never leave the destination missing. Temporaries carry the
-// process id and are cleared away after a crash (ARXTemporaryItems).
+// the replace calls, which put it in the trash where there is one and leave its name empty at
+// most between two renames. Temporaries carry the process id and are cleared away after a crash
+// (ARXTemporaryItems).
 namespace ARXFileOperations {
 
 // Told the path of the hidden item a copy is being built in, so that its growth can be measured.
