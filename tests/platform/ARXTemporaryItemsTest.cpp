@@ -69,21 +69,6 @@ TEST_F(ARXTemporaryItemsTest, SweepClearsWhatEndedProcessesLeftAndNothingElse) {
     EXPECT_EQ(readFile(at("f/photo.jpg")), "new");
 }
 
-TEST_F(ARXTemporaryItemsTest, TemporariesCarryTheProcessAndAreSweptLater) {
-    const Path copy = ARXTemporaryItems::copyBeside(at("f/x"));
-    EXPECT_EQ(ARXPath::parentPath(copy), at("f"));
-    EXPECT_TRUE(ARXPath::lastComponent(copy).starts_with(".atrium-copy-" +
-                                                         std::to_string(::getpid()) + "-"));
-    EXPECT_EQ(ARXTemporaryItems::asideOf(at("f/x")),
-              at("f/x.atrium-temp-" + std::to_string(::getpid())));
-    EXPECT_TRUE(ARXTemporaryItems::isTemporaryName(ARXPath::lastComponent(copy)));
-    EXPECT_FALSE(ARXTemporaryItems::isTemporaryName("report.txt"));
-
-    writeFile(at("f/.atrium-copy-" + std::to_string(endedProcess()) + "-1"), "left");
-    ARXTemporaryItems::sweepLater(at("f"));
-    EXPECT_TRUE(waitUntil([&] { return namesIn(at("f")).empty(); }, 10000));
-}
-
 // A copy killed half way (a power loss, a SIGKILL) never leaves part of a folder under the real
 // name, and what it left is gone after the next sweep.
 TEST_F(ARXTemporaryItemsTest, AFolderCopyKilledHalfWayLeavesTheRealNameAsItWas) {
