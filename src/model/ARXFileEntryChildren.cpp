@@ -8,6 +8,7 @@
 #include "platform/ARXDirectoryReader.h"
 #include "platform/ARXHiddenList.h"
 #include "platform/ARXResourceValues.h"
+#include "platform/ARXTemporaryItems.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -72,9 +73,17 @@ bool ARXFileEntry::prepare(bool force) {
     // A cloud folder lists its hidden placeholders so that the filter below can keep them.
     const bool skipHidden = !isUbiquitous && !_hiddenVisible;
     ARXFileEntryList children;
+    bool temporaries = false; // what a file operation cut short may have left
     const int error = listFolder(
         folder, hiddenList,
-        [&](std::string_view name) { return skipHidden && hiddenList.isHidden(name); }, children);
+        [&](std::string_view name) {
+            temporaries = temporaries || ARXTemporaryItems::isTemporaryName(name);
+            return skipHidden && hiddenList.isHidden(name);
+        },
+        children);
+    if (temporaries) {
+        ARXTemporaryItems::sweepLater(folder);
+    }
     if (error != 0) {
         prepareError = std::make_unique<ARXFileError>(ARXFileError::fromErrno(error, folder));
         return false;

@@ -29,13 +29,13 @@ void postMoved(const Path& source, const Path& target) {
 
 } // namespace
 
-void copyFile(const Path& from, const Path& to) {
-    ARXFileOperations::copyItem(from, to);
+void copyFile(const Path& from, const Path& to, const ARXFileOperations::Building& building) {
+    ARXFileOperations::copyItem(from, to, building);
     postChanged(to);
 }
 
-void moveFile(const Path& from, const Path& to) {
-    ARXFileOperations::moveItem(from, to);
+void moveFile(const Path& from, const Path& to, const ARXFileOperations::Building& building) {
+    ARXFileOperations::moveItem(from, to, building);
     postMoved(from, to);
 }
 
@@ -44,9 +44,18 @@ void removeFile(const Path& path) {
     postChanged(path);
 }
 
-void replaceFile(const Path& existing, const Path& with) {
-    ARXFileOperations::replaceItemSafely(existing, with);
+bool removeFolderIfEmpty(const Path& path) {
+    const bool removed = ARXFileOperations::removeFolderIfEmpty(path);
+    if (removed) {
+        postChanged(path);
+    }
+    return removed;
+}
+
+std::optional<Path> replaceFile(const Path& existing, const Path& with) {
+    std::optional<Path> trashed = ARXFileOperations::replaceItemSafely(existing, with);
     postMoved(with, existing);
+    return trashed;
 }
 
 std::optional<Path> trashFile(const Path& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ARXFileOperations.h"
 #include "platform/ARXPath.h"
 
 #include <optional>
@@ -12,15 +13,19 @@
 // delivered later by the main loop, never inside the call, also when called on the main thread.
 namespace ARXFileLayer {
 
-// rv_file_changed, path = to.
-void copyFile(const Path& from, const Path& to);
-// rv_file_moved, source = from, target = to.
-void moveFile(const Path& from, const Path& to);
+// rv_file_changed, path = to. `building` hears where the copy grows while it is not yet in place.
+void copyFile(const Path& from, const Path& to, const ARXFileOperations::Building& building = {});
+// rv_file_moved, source = from, target = to. Across file systems `building` hears where the copy
+// grows.
+void moveFile(const Path& from, const Path& to, const ARXFileOperations::Building& building = {});
 // rv_file_changed, path = path.
 void removeFile(const Path& path);
-// Puts `with` in the place of `existing`; by hand (".atrium-temp") where the file system cannot
-// exchange the two. rv_file_moved, source = with, target = existing.
-void replaceFile(const Path& existing, const Path& with);
+// Removes a folder if it is empty and answers whether it did; rv_file_changed, path = path, then.
+bool removeFolderIfEmpty(const Path& path);
+// Puts `with` in the place of `existing`, whose item goes to the trash (removed where its volume
+// has none); answers where in the trash it went. Two spellings of one item are refused.
+// rv_file_moved, source = with, target = existing.
+std::optional<Path> replaceFile(const Path& existing, const Path& with);
 // Moves the item to the trash; for a cloud item, to the cloud drive's trash folder (see
 // ARXCloudTrash). Answers where it went, or nullopt when the cloud trash folder's name is taken
 // by a file, in which case nothing moved. rv_file_changed, path = the item's old path.

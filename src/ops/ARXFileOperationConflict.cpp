@@ -29,12 +29,19 @@ QString comparison(const Path& from, const Path& target) {
 
 } // namespace
 
-ARXConflictQuestion question(const ARXFileOperationItem& item, bool single) {
+ARXConflictQuestion question(const ARXFileOperationItem& item, bool single, bool folders) {
     ARXConflictQuestion question;
     question.from = item.from;
     question.name = ARXPath::display(ARXPath::lastComponent(item.from));
     question.note = tr("The target already exists!");
     question.single = single;
+    question.folders = folders;
+    if (folders) {
+        question.note =
+            tr("The folder “%1” will be replaced; items only in it will be moved to the Trash.")
+                .arg(question.name);
+        return question;
+    }
     // Only an item that already has a target is compared. At a first conflict the target is
     // not set yet, so the plain note is what the user usually sees.
     if (const std::optional<Path> target = item.target()) {

@@ -11,6 +11,10 @@ namespace ARXFileOperationConflict {
 // requested destination: where it ended up), the note tells how that target compares with the
 // source, "The target already exists: Newer, Bigger." (the words describe the target), by whole
 // seconds of modification time and by size; an item that cannot be read counts as 0.
-ARXConflictQuestion question(const ARXFileOperationItem& item, bool single);
+//
+// With `folders` (a folder onto a folder) the note says instead what Replace does to the folder
+// already there, "The folder “NAME” will be replaced; items only in it will be moved to the
+// Trash.", and the dialog offers Merge.
+ARXConflictQuestion question(const ARXFileOperationItem& item, bool single, bool folders = false);
 
 } // namespace ARXFileOperationConflict

@@ -93,6 +93,7 @@ void ARXFileOperationController::start() {
     _weakSelf = _self;
     _started = true;
     _totalSize = 0;
+    _mergedParts.resize(_items.size());
     _ontoItself.reserve(_items.size());
     for (const ARXFileOperationItemRef& item : _items) {
         _ontoItself.push_back(item->to && ARXPathRules::isSamePath(item->from, *item->to));
@@ -184,9 +185,9 @@ void ARXFileOperationController::progress(const ARXFileOperationItemRef& item) {
 
 // ----- conflicts
 
-void ARXFileOperationController::askConflict(size_t index) {
-    const ARXConflictQuestion question =
-        ARXFileOperationConflict::question(*_items[index], index == _items.size() - 1);
+void ARXFileOperationController::askConflict(const ARXFileOperationItemRef& item, bool single,
+                                             bool folders) {
+    const ARXConflictQuestion question = ARXFileOperationConflict::question(*item, single, folders);
     _waitingForAnswer = true;
     ARXOperationPresenter* presenter = _presenter.get();
     if (!presenter) {
@@ -239,8 +240,8 @@ void ARXFileOperationController::endNormally() {
     playSound(_sound);
     if (_record) {
         const QDateTime now = QDateTime::currentDateTime();
-        for (const ARXFileOperationItemRef& item : _items) {
-            _record->records.push_back({item->from, item->target(), now});
+        for (size_t i = 0; i < _items.size(); ++i) {
+            recordItem(i, now);
         }
         ARXFileOperationRecorder::shared().add(_record);
     }

@@ -6,6 +6,7 @@
 #include "platform/ARXFileError.h"
 #include "platform/ARXSoundPlayer.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -13,6 +14,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -114,7 +116,7 @@ private:
     void startWorker();
     void tick();
     void tickMeasured();
-    void askConflict(size_t index);
+    void askConflict(const ARXFileOperationItemRef& item, bool single, bool folders);
     void answerConflict(ARXFileOperationConflictAction action, bool applyToAll);
     void endPlain();
     void endNormally();
@@ -124,14 +126,22 @@ private:
     void progress(const ARXFileOperationItemRef& item);
 
     // Worker threads (ARXFileOperationWorker.cpp).
+    enum class Outcome : uint8_t { done, skipped };
     void prepare();
     void runItems();
     void perform(ARXFileOperationItem& item, bool exists, bool ontoItself);
     void replaceByCopy(ARXFileOperationItem& item);
+    bool leave(const ARXFileOperationItemRef& item, Outcome outcome);
     bool advance();
     bool passOver(const ARXFileOperationItemRef& item);
     void postEnd(bool normal);
     void measureWorked();
+    // Merging a folder into the folder of the same name (ARXFileOperationMerge.cpp).
+    ARXFileOperationItemRef currentUnit() const;
+    bool isLastQuestion() const;
+    void beginMerge(const ARXFileOperationItemRef& folder);
+    bool finishMerge();
+    void recordItem(size_t index, const QDateTime& time);
 
     const std::vector<ARXFileOperationItemRef> _items;
     const ARXSoundEffect _sound;
@@ -144,9 +154,22 @@ private:
         ARXFileOperationConflictAction::notselected};
     std::atomic<bool> _conflictActionApplyAll{false};
 
-    // Per item: its destination is its source. Decided on the main thread before the work starts,
-    // since path comparison reads the table of mounted volumes, which belongs to the main thread.
+    // Per item: its destination is its source by the path rules (letter case on a volume that
+    // ignores it). Decided on the main thread before the work starts, since path comparison reads
+    // the table of mounted volumes, which belongs to the main thread. The worker adds the test of
+    // identity on disk.
     std::vector<char> _ontoItself;
+
+    // Worker only, while no other thread runs it. The folders being merged, innermost last, each
+    // with the parts still to do (the next one last).
+    struct MergeLevel {
+        ARXFileOperationItemRef folder;
+        std::vector<ARXFileOperationItemRef> pending;
+    };
+    std::vector<MergeLevel> _merging;
+    // Per item of the batch that was merged: the parts that were carried out, which the undo
+    // group records in the merged folder's place. Written by the worker, read at the normal end.
+    std::vector<std::optional<std::vector<ARXFileOperationItemRef>>> _mergedParts;
 
     // Main thread only.
     double _totalSize = 0;

@@ -30,9 +30,10 @@ Measure measure(const Path& path) {
                     pending.push_back(ARXPath::join(folder, name));
                 }
             });
-        if (error != 0) {
+        // A folder that cannot be read only leaves its own content uncounted: the rest of the
+        // tree is still measured.
+        if (error != 0 && !result.error) {
             result.error = ARXFileError::fromErrno(error, folder);
-            return result;
         }
     }
     return result;

@@ -13,7 +13,8 @@ namespace ARXFileOperationSize {
 
 struct Measure {
     double size = 0;
-    // The first folder that could not be read, which stopped the walk; `size` is then partial.
+    // The first folder that could not be read; `size` then counts everything but what lies in
+    // the folders that could not be read.
     std::optional<ARXFileError> error;
 };
 

@@ -9,12 +9,11 @@
 #include "ops/ARXFileOperationSize.h"
 #include "platform/ARXConsole.h"
 #include "platform/ARXFileStatus.h"
+#include "platform/ARXTemporaryItems.h"
 
 #include <QCoreApplication>
-#include <QRandomGenerator>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -26,18 +25,22 @@ bool occupied(const Path& path) {
     return ARXFileStatus::lstat(path).exists;
 }
 
-// A free hidden name in the folder of `path`, for a copy that is to take its place.
-Path temporaryNameBeside(const Path& path) {
-    const Path folder = ARXPath::parentPath(path);
-    for (;;) {
-        char name[40];
-        std::snprintf(name, sizeof name, ".atrium-copy-%016llx",
-                      static_cast<unsigned long long>(QRandomGenerator::global()->generate64()));
-        const Path candidate = ARXPath::join(folder, name);
-        if (!occupied(candidate)) {
-            return candidate;
-        }
-    }
+// The item's target follows a copy under its hidden name until it is in place, so that the
+// progress tick measures the copy as it grows.
+ARXFileOperations::Building following(ARXFileOperationItem& item) {
+    return [&item](const Path& building) { item.setTarget(building); };
+}
+
+void copyTo(ARXFileOperationItem& item, const Path& target) {
+    item.setTarget(target);
+    ARXFileLayer::copyFile(item.from, target, following(item));
+    item.setTarget(target);
+}
+
+void moveTo(ARXFileOperationItem& item, const Path& target) {
+    item.setTarget(target);
+    ARXFileLayer::moveFile(item.from, target, following(item));
+    item.setTarget(target);
 }
 
 } // namespace
@@ -61,12 +64,9 @@ void ARXFileOperationController::prepare() {
         onMain([item, preparing](ARXFileOperationController& self) {
             self.updateSheet(item->from, preparing, 0);
         });
+        // A folder that cannot be read only makes the progress inexact: whether the item itself
+        // can be renamed, trashed, removed or copied is for its own call to find out.
         const ARXFileOperationSize::Measure measure = ARXFileOperationSize::measure(item->from);
-        if (measure.error) {
-            onMain(
-                [error = *measure.error](ARXFileOperationController& self) { self.fail(error); });
-            return;
-        }
         item->totalSize = measure.size;
         total += measure.size;
     }
@@ -75,15 +75,26 @@ void ARXFileOperationController::prepare() {
 
 // ----- the item loop
 
+// Each turn deals with one unit: an item of the batch or, while a folder is being merged, one of
+// its parts, which goes through the same conflict rules.
 void ARXFileOperationController::runItems() {
     while (_index.load() < _items.size()) {
-        const size_t index = _index.load();
-        const ARXFileOperationItemRef item = _items[index];
+        if (!_merging.empty() && _merging.back().pending.empty()) {
+            if (!finishMerge()) {
+                return;
+            }
+            continue;
+        }
+        const ARXFileOperationItemRef item = currentUnit();
         const bool exists = item->to && occupied(*item->to);
-        const bool ontoItself = _ontoItself[index];
+        // Another spelling of the same item ("/a/./x", "/a//x", a path through a link to "/a")
+        // is caught by the identity of the items on disk, before anything could replace the one
+        // by the other, which would remove the only copy.
+        const bool ontoItself = (_merging.empty() && _ontoItself[_index.load()]) ||
+                                (exists && ARXFileOperations::isSameItem(item->from, *item->to));
 
         if (ontoItself && item->type == ARXFileOperationType::move) {
-            if (!passOver(item)) {
+            if (!leave(item, Outcome::skipped)) {
                 return;
             }
             continue;
@@ -91,26 +102,40 @@ void ARXFileOperationController::runItems() {
         const bool conflict =
             !ontoItself && exists &&
             (item->type == ARXFileOperationType::copy || item->type == ARXFileOperationType::move);
+        bool merge = false;
         if (conflict) {
-            switch (_conflictAction.load()) {
+            const bool folders = ARXFileStatus::lstat(item->from).isDirectory() &&
+                                 ARXFileStatus::lstat(*item->to).isDirectory();
+            Action action = _conflictAction.load();
+            if (action == Action::merge && !folders) {
+                action = Action::notselected; // a merge for all still asks about each file
+            }
+            switch (action) {
             case Action::skip:
-                if (!passOver(item)) {
+                if (!leave(item, Outcome::skipped)) {
                     return;
                 }
                 continue;
             case Action::stop:
                 // Everything before this item stays done; this one and all after it stay as
                 // they are on disk, and no new row stands for any of them.
-                for (size_t i = index; i < _items.size(); ++i) {
+                for (size_t i = _index.load(); i < _items.size(); ++i) {
                     _items[i]->failed = true;
                 }
+                _merging.clear();
                 postEnd(false);
                 return;
             case Action::notselected:
-                // The worker ends here; the answer starts a new one at the same index, which
+                // The worker ends here; the answer starts a new one at the same unit, which
                 // looks at the destination again.
-                onMain([index](ARXFileOperationController& self) { self.askConflict(index); });
+                onMain(
+                    [item, single = isLastQuestion(), folders](ARXFileOperationController& self) {
+                        self.askConflict(item, single, folders);
+                    });
                 return;
+            case Action::merge:
+                merge = true;
+                break;
             case Action::replace:
             case Action::keepBoth:
                 break;
@@ -118,17 +143,16 @@ void ARXFileOperationController::runItems() {
         }
 
         try {
+            if (merge) {
+                beginMerge(item);
+                continue;
+            }
             perform(*item, exists, ontoItself);
         } catch (const ARXFileError& error) {
             onMain([error](ARXFileOperationController& self) { self.fail(error); });
             return;
         }
-        onMain([item](ARXFileOperationController& self) {
-            item->finished = true;
-            self.progress(item);
-        });
-        if (!advance()) {
-            postEnd(true);
+        if (!leave(item, Outcome::done)) {
             return;
         }
     }
@@ -143,9 +167,7 @@ void ARXFileOperationController::perform(ARXFileOperationItem& item, bool exists
     case ARXFileOperationType::rename:
         break;
     case ARXFileOperationType::duplicate: {
-        const Path target = uniquePath(from);
-        item.setTarget(target);
-        ARXFileLayer::copyFile(from, target);
+        copyTo(item, uniquePath(from));
         break;
     }
     case ARXFileOperationType::copy: {
@@ -157,13 +179,8 @@ void ARXFileOperationController::perform(ARXFileOperationItem& item, bool exists
         if (exists && replace && !ontoItself) {
             item.failed = true;
             replaceByCopy(item);
-        } else if (exists) {
-            const Path target = uniquePath(*item.to);
-            item.setTarget(target);
-            ARXFileLayer::copyFile(from, target);
         } else {
-            item.setTarget(*item.to);
-            ARXFileLayer::copyFile(from, *item.to);
+            copyTo(item, exists ? uniquePath(*item.to) : *item.to);
         }
         break;
     }
@@ -172,18 +189,13 @@ void ARXFileOperationController::perform(ARXFileOperationItem& item, bool exists
             break;
         }
         if (exists && replace) {
-            // The exchange never leaves the destination missing, also where it must be done by
-            // hand.
+            // The replaced item goes to the trash, and the destination's name is never left
+            // empty for longer than between two renames.
             item.failed = true;
             item.setTarget(*item.to);
             ARXFileLayer::replaceFile(*item.to, from);
-        } else if (exists) {
-            const Path target = uniquePath(*item.to);
-            item.setTarget(target);
-            ARXFileLayer::moveFile(from, target);
         } else {
-            item.setTarget(*item.to);
-            ARXFileLayer::moveFile(from, *item.to);
+            moveTo(item, exists ? uniquePath(*item.to) : *item.to);
         }
         break;
     }
@@ -201,14 +213,18 @@ void ARXFileOperationController::perform(ARXFileOperationItem& item, bool exists
 // Copying over an existing item must never leave the user with neither of the two. Removing the
 // destination first and then copying would do just that when the copy fails half way (a full
 // disk, an unreadable file deep in a folder). So the copy is made beside the destination under a
-// hidden temporary name, and only a complete copy takes the destination's place, in one exchange
-// that never leaves the name empty (ARXFileLayer::replaceFile). A failed copy leaves nothing
-// behind and the destination as it was. A folder still replaces a folder whole; nothing is merged.
+// hidden temporary name, and only a complete copy takes the destination's place
+// (ARXFileLayer::replaceFile, which puts the replaced item in the trash). A failed copy leaves
+// nothing behind, the destination as it was, and an error that names the destination, not the
+// hidden name. A folder still replaces a folder whole; Merge is the answer that mixes them.
 void ARXFileOperationController::replaceByCopy(ARXFileOperationItem& item) {
     const Path& to = *item.to;
-    const Path temporary = temporaryNameBeside(to);
-    item.setTarget(temporary);
-    ARXFileLayer::copyFile(item.from, temporary);
+    const Path temporary = ARXTemporaryItems::copyBeside(to);
+    try {
+        copyTo(item, temporary);
+    } catch (const ARXFileError& error) {
+        throw error.relocated(temporary, to);
+    }
     item.setTarget(to);
     try {
         if (occupied(to)) {
@@ -217,15 +233,43 @@ void ARXFileOperationController::replaceByCopy(ARXFileOperationItem& item) {
             // The destination went away while the copy ran: nothing left to replace.
             ARXFileLayer::moveFile(temporary, to);
         }
-    } catch (const ARXFileError&) {
+    } catch (const ARXFileError& error) {
         try {
             ARXFileLayer::removeFile(temporary);
         } catch (const ARXFileError& cleanup) {
             ARXConsole::line(
                 QStringLiteral("Atrium: could not remove the unused copy %1").arg(cleanup.text()));
         }
-        throw;
+        throw error.relocated(temporary, to);
     }
+}
+
+// An item or a part of a merge is dealt with. An item of the batch reports its end and the batch
+// moves on (answering false when it has ended); a part only leaves the merge's list. Either way
+// an answer given without "apply to all" holds for that one conflict.
+bool ARXFileOperationController::leave(const ARXFileOperationItemRef& item, Outcome outcome) {
+    if (!_merging.empty()) {
+        _merging.back().pending.pop_back();
+        if (outcome == Outcome::done) {
+            _mergedParts[_index.load()]->push_back(item);
+        }
+        if (!_conflictActionApplyAll.load()) {
+            _conflictAction = Action::notselected;
+        }
+        return true;
+    }
+    if (outcome == Outcome::skipped) {
+        return passOver(item);
+    }
+    onMain([item](ARXFileOperationController& self) {
+        item->finished = true;
+        self.progress(item);
+    });
+    if (!advance()) {
+        postEnd(true);
+        return false;
+    }
+    return true;
 }
 
 // Leaves an item out (a skip, a move onto itself), so that no new row stands for it, and moves

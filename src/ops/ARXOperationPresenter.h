@@ -14,14 +14,16 @@ enum class ARXFileOperationConflictAction : uint8_t {
     skip = 2,
     keepBoth = 3,
     stop = 4,
+    merge = 5, // a folder onto a folder: copy into the existing one, asking per file
 };
 
 // What the conflict dialog shows for one item.
 struct ARXConflictQuestion {
-    Path from;           // the item whose icon the dialog shows
-    QString name;        // last path component of `from`
-    QString note;        // "The target already exists!" or its refined form
-    bool single = false; // the last item of the batch: no "Apply to All"
+    Path from;            // the item whose icon the dialog shows
+    QString name;         // last path component of `from`
+    QString note;         // "The target already exists!" or its refined form
+    bool single = false;  // the last item of the batch: no "Apply to All"
+    bool folders = false; // a folder onto a folder: "Merge" is offered
 };
 
 // The progress sheet's state after a tick.

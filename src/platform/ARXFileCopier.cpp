@@ -4,6 +4,7 @@
 #include "platform/ARXFileDescriptor.h"
 #include "platform/ARXFileOperations.h"
 #include "platform/ARXFileTree.h"
+#include "platform/ARXTemporaryItems.h"
 
 #include <QCoreApplication>
 
@@ -16,7 +17,6 @@
 #include <linux/fs.h>
 #include <linux/magic.h>
 #include <memory>
-#include <random>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
@@ -106,7 +106,8 @@ Path readLinkAt(int dirFd, const std::string& name, off_t sizeHint, const Path& 
 // refuse) and the buffer of the last resort.
 class Copier {
 public:
-    Copier(const Path& from, const Path& to) : _from(from), _to(to) {}
+    Copier(const Path& from, const Path& to, const ARXFileOperations::Building& building)
+        : _from(from), _to(to), _building(building) {}
 
     void run();
 
@@ -114,6 +115,8 @@ private:
     void copyTopFile(int src, const struct stat& st, const ARXFileTree::ParentFolder& dest);
     void copyTopFolder(int src, const struct stat& st, const ARXFileTree::ParentFolder& dest);
     void refuseCopyIntoItself(const struct stat& st, int destFolder);
+    std::string createTemporary(const std::function<bool(const char*)>& create);
+    void announceBuilding(const std::string& temporary) const;
 
     void copyChild(int srcDir, const char* name, unsigned char type, int dstDir, const Path& from,
                    const Path& to);
@@ -131,6 +134,7 @@ private:
 
     const Path& _from;
     const Path& _to;
+    const ARXFileOperations::Building& _building;
     uid_t _uid = ::geteuid();
     gid_t _gid = ::getegid();
     // New items in a set-group-ID folder take the folder's group, not ours.
@@ -211,16 +215,11 @@ void Copier::copyTopFile(int src, const struct stat& st, const ARXFileTree::Pare
         fail(errno, _to, Access::writing);
     }
 
-    static thread_local std::mt19937 random{std::random_device{}()};
-    std::string temporary;
-    for (int attempt = 0; !dst.isValid(); ++attempt) {
-        temporary = ".atrium-copy-" + std::to_string(random());
-        dst.reset(
-            ::openat(dest.fd, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        if (!dst.isValid() && (errno != EEXIST || attempt > 100)) {
-            fail(errno, _to, Access::writing);
-        }
-    }
+    const std::string temporary = createTemporary([&](const char* name) {
+        dst.reset(::openat(dest.fd, name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        return dst.isValid();
+    });
+    announceBuilding(temporary);
     try {
         copyData(src, dst.get(), st, _from, _to);
         finish(src, dst.get(), st, _from, _to);
@@ -235,28 +234,57 @@ void Copier::copyTopFile(int src, const struct stat& st, const ARXFileTree::Pare
     }
 }
 
+// A folder is built under a hidden name and renamed into place only when complete, as a single
+// file is: a copy killed half way (a power loss, a SIGKILL) leaves the real name as it was, and
+// the hidden rest is cleared away the next time the folder is listed (ARXTemporaryItems).
 void Copier::copyTopFolder(int src, const struct stat& st, const ARXFileTree::ParentFolder& dest) {
     ARXFileDescriptor source(src);
     refuseCopyIntoItself(st, dest.fd);
     // Made for the owner alone while it fills; its own mode comes last.
-    if (::mkdirat(dest.fd, dest.name.c_str(), 0700) != 0) {
-        fail(errno, _to, Access::writing);
-    }
+    const std::string temporary =
+        createTemporary([&](const char* name) { return ::mkdirat(dest.fd, name, 0700) == 0; });
+    announceBuilding(temporary);
     try {
         ARXFileDescriptor dst(
-            ::openat(dest.fd, dest.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+            ::openat(dest.fd, temporary.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
         if (!dst.isValid()) {
             fail(errno, _to, Access::writing);
         }
+        // Errors name the items under the destination the user chose, never the hidden name.
         copyFolder(source.release(), st, dst.get(), _from, _to);
+        if (const int err = ARXFileTree::renameNoReplace(dest.fd, temporary.c_str(), dest.fd,
+                                                         dest.name.c_str())) {
+            fail(err, _to, Access::writing);
+        }
     } catch (...) {
         try {
-            ARXFileTree::removeAt(dest.fd, dest.name, _to, true);
+            ARXFileTree::removeAt(dest.fd, temporary,
+                                  ARXPath::join(ARXPath::parentPath(_to), temporary), true);
         } catch (const ARXFileError& cleanup) {
             ARXConsole::line("Atrium: could not remove the unfinished copy " + _to + ": " +
                              cleanup.what());
         }
         throw;
+    }
+}
+
+// Makes a new item under a fresh temporary name with `create`, which answers false with errno set
+// when it fails; EEXIST means the name was taken and another is tried.
+std::string Copier::createTemporary(const std::function<bool(const char*)>& create) {
+    for (int attempt = 0;; ++attempt) {
+        std::string name = ARXTemporaryItems::copyName();
+        if (create(name.c_str())) {
+            return name;
+        }
+        if (errno != EEXIST || attempt > 100) {
+            fail(errno, _to, Access::writing);
+        }
+    }
+}
+
+void Copier::announceBuilding(const std::string& temporary) const {
+    if (_building) {
+        _building(ARXPath::join(ARXPath::parentPath(_to), temporary));
     }
 }
 
@@ -562,6 +590,6 @@ void Copier::finishByName(int dstDir, const std::string& name, const struct stat
 
 } // namespace
 
-void ARXFileOperations::copyItem(const Path& from, const Path& to) {
-    Copier(from, to).run();
+void ARXFileOperations::copyItem(const Path& from, const Path& to, const Building& building) {
+    Copier(from, to, building).run();
 }

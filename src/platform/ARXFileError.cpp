@@ -32,3 +32,10 @@ ARXFileError ARXFileError::fromErrno(int errnum, const Path& path, Access access
 QString ARXFileError::text() const {
     return QCoreApplication::translate("Atrium", "“%1”: %2").arg(ARXPath::display(path), message);
 }
+
+ARXFileError ARXFileError::relocated(const Path& hidden, const Path& shown) const {
+    if (path != hidden && !path.starts_with(hidden + "/")) {
+        return *this;
+    }
+    return ARXFileError(errnum, code, shown + path.substr(hidden.size()), message);
+}

@@ -36,6 +36,10 @@ public:
     // For the user: the path and the reason, "“/home/me/Private”: Permission denied".
     QString text() const;
 
+    // The same error told about `shown` where it names `hidden` or an item inside it: the failure
+    // of an item built or set aside under a temporary name names what the user chose.
+    ARXFileError relocated(const Path& hidden, const Path& shown) const;
+
     const char* what() const noexcept override { return _what.c_str(); }
 
 private:

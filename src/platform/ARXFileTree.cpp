@@ -66,6 +66,14 @@ void removeFolder(int dirFd, const std::string& name, const Path& path, bool mak
     if (fd < 0 && errno == EACCES && makeWritable && giveOwnerAccess(dirFd, name)) {
         fd = ::openat(dirFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     }
+    if (fd < 0 && errno == EACCES) {
+        // A folder that may not be read can still go when it is empty: that takes only the right
+        // to change the folder above.
+        if (::unlinkat(dirFd, name.c_str(), AT_REMOVEDIR) == 0) {
+            return;
+        }
+        errno = EACCES;
+    }
     if (fd < 0) {
         const int err = errno;
         if (err == ENOTDIR || err == ELOOP) {

@@ -51,6 +51,11 @@ ARXConflictDialog::ARXConflictDialog(const ARXConflictQuestion& question, Answer
     _replaceButton = addAnswerButton(tr("Replace"), ARXFileOperationConflictAction::replace);
     _keepBothButton = addAnswerButton(tr("Keep Both"), ARXFileOperationConflictAction::keepBoth);
     _stopButton = addAnswerButton(tr("Stop"), ARXFileOperationConflictAction::stop);
+    if (question.folders) {
+        // Into the folder already there, asking about each name both hold.
+        _mergeButton = addAnswerButton(tr("Merge"), ARXFileOperationConflictAction::merge);
+        buttons->addButton(_mergeButton, QDialogButtonBox::ActionRole);
+    }
     buttons->addButton(_skipButton, QDialogButtonBox::ActionRole);
     buttons->addButton(_replaceButton, QDialogButtonBox::DestructiveRole);
     buttons->addButton(_keepBothButton, QDialogButtonBox::AcceptRole);
@@ -107,6 +112,8 @@ QPushButton* ARXConflictDialog::button(ARXFileOperationConflictAction action) co
         return _keepBothButton;
     case ARXFileOperationConflictAction::stop:
         return _stopButton;
+    case ARXFileOperationConflictAction::merge:
+        return _mergeButton;
     case ARXFileOperationConflictAction::notselected:
         break;
     }

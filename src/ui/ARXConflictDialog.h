@@ -12,7 +12,8 @@ class QLabel;
 class QPushButton;
 
 // The question "the target already exists" of a copy or a move: Replace, Skip, Keep Both or Stop,
-// for this item or, with "Apply to All", for every later conflict of the batch. The batch waits
+// and for a folder onto a folder also Merge, for this item or, with "Apply to All", for every
+// later conflict of the batch. The batch waits
 // for the answer, so the dialog must be answered: it has no close button, cannot be resized, and
 // Escape answers Stop, the one choice that changes nothing on disk and ends the wait at once.
 // Keep Both is the default button (Return), because it is the answer that cannot lose data.
@@ -58,4 +59,5 @@ private:
     QPushButton* _skipButton = nullptr;
     QPushButton* _keepBothButton = nullptr;
     QPushButton* _stopButton = nullptr;
+    QPushButton* _mergeButton = nullptr;
 };

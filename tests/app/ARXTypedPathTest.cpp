@@ -39,4 +39,18 @@ TEST_F(ARXTypedPathTest, TheFolderShownIsLeftAlone) {
     EXPECT_EQ(resolve("~", music), home());
 }
 
+// One place, one path: the pane, its history and every comparison after it see the same bytes
+// however the place was typed.
+TEST_F(ARXTypedPathTest, EverySpellingOfAPlaceComesBackAsOne) {
+    const Path music = ARXPath::join(home(), "Music");
+    EXPECT_EQ(resolve("~//Music/./"), music);
+    EXPECT_EQ(resolve("~/Music/../Music//song.ogg"), music);
+    EXPECT_EQ(resolve("/../..//tmp/./"), Path("/tmp"));
+    EXPECT_EQ(resolve("/.."), Path("/"));
+    EXPECT_EQ(ARXTypedPath::resolve(QStringLiteral("~/Mu") + QChar(0) + QStringLiteral("sic"),
+                                    home(), "/default", std::nullopt),
+              music);
+    EXPECT_EQ(resolve("~/./Music/", music), std::nullopt);
+}
+
 } // namespace

@@ -90,13 +90,14 @@ TEST_F(ARXFileLayerTest, EachCallPostsItsChangeOnTheMainThread) {
     EXPECT_EQ(replaced.userInfo.value(ARXNotificationKey::source).toString(), stored(at("c.txt")));
     EXPECT_EQ(replaced.userInfo.value(ARXNotificationKey::target).toString(), stored(at("b.txt")));
     EXPECT_EQ(readFile(at("b.txt")), "new");
+    EXPECT_EQ(readFile(ARXPath::join(dataHome(), "Trash/files/b.txt")), "a"); // what was replaced
 
     std::optional<Path> trashed;
     Heard trash = runOnWorker([&] { trashed = ARXFileLayer::trashFile(at("b.txt")); });
     EXPECT_EQ(trash.name, ARXNotificationName::rv_file_changed);
     EXPECT_EQ(trash.userInfo.value(ARXNotificationKey::path).toString(), stored(at("b.txt")));
     ASSERT_TRUE(trashed.has_value());
-    EXPECT_EQ(*trashed, ARXPath::join(dataHome(), "Trash/files/b.txt"));
+    EXPECT_EQ(*trashed, ARXPath::join(dataHome(), "Trash/files/b.txt.2"));
     EXPECT_EQ(readFile(*trashed), "new");
 
     Heard removed = runOnWorker([&] { ARXFileLayer::removeFile(at("a.txt")); });

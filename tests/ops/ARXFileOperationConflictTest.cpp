@@ -3,8 +3,11 @@
 #include "ARXFileOperationFixture.h"
 #include "support/ARXTreeSnapshot.h"
 
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 using Type = ARXFileOperationType;
 using Action = ARXFileOperationConflictAction;
@@ -237,4 +240,102 @@ TEST_F(ARXFileOperationConflictTest, TheNoteComparesWithTheTargetOnlyOnceOneIsSe
     conflict.setTarget(at("nothing here"));
     EXPECT_EQ(ARXFileOperationConflict::question(conflict, false).note,
               "The target already exists: Older, Smaller.");
+}
+
+// The same item reached by another spelling of its path is no conflict but the item itself: a
+// move leaves it where it is, a copy makes a new name, and nothing is ever replaced by itself.
+TEST_F(ARXFileOperationConflictTest, AnotherSpellingOfTheSameItemIsTheItemItself) {
+    writeFile(at("a/x"), "only copy");
+    ASSERT_EQ(::symlink(at("a").c_str(), at("link").c_str()), 0);
+    presenter.answers = {{Action::replace, true}};
+    auto controller =
+        run({item(Type::move, at("a/x"), at("link/x")), item(Type::move, at("a/x"), at("a/./x")),
+             item(Type::move, at("a/x"), at("a//x")), item(Type::move, at("a/x"), at("a/../a/x")),
+             item(Type::copy, at("a/x"), at("link/x"))});
+    EXPECT_TRUE(presenter.questions.empty());
+    EXPECT_TRUE(presenter.alerts.empty());
+    EXPECT_EQ(readFile(at("a/x")), "only copy");
+    EXPECT_EQ(readFile(at("a/x 2")), "only copy");
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_TRUE(controller->items()[i]->failed) << i;
+    }
+}
+
+// Replace puts what it replaced in the trash, where the user can get it back.
+TEST_F(ARXFileOperationConflictTest, ReplaceSendsWhatItReplacedToTheTrash) {
+    writeFile(at("src/a"), "new a");
+    writeFile(at("dst/a"), "old a");
+    writeFile(at("src/folder/new.txt"), "new");
+    writeFile(at("dst/folder/only-here.txt"), "only here");
+    presenter.answers = {{Action::replace, false}, {Action::replace, false}};
+    run({item(Type::move, at("src/a"), at("dst/a")),
+         item(Type::copy, at("src/folder"), at("dst/folder"))});
+
+    ASSERT_EQ(presenter.questions.size(), 2u);
+    EXPECT_FALSE(presenter.questions[0].folders);
+    EXPECT_TRUE(presenter.questions[1].folders);
+    EXPECT_EQ(presenter.questions[1].note, "The folder “folder” will be replaced; items only in "
+                                           "it will be moved to the Trash.");
+    EXPECT_EQ(readFile(at("dst/a")), "new a");
+    EXPECT_EQ(ARXTreeSnapshot(at("dst/folder")), ARXTreeSnapshot(at("src/folder")));
+    const Path trash = ARXPath::join(dataHome(), "Trash/files");
+    EXPECT_EQ(readFile(ARXPath::join(trash, "a")), "old a");
+    EXPECT_EQ(readFile(ARXPath::join(trash, "folder/only-here.txt")), "only here");
+}
+
+// A failure of the copy that was to replace an item names the destination the user chose, not
+// the hidden copy it was being built in.
+TEST_F(ARXFileOperationConflictTest, AFailedReplaceNamesTheDestinationNotItsHiddenCopy) {
+    writeFile(at("src/folder/big.bin"), std::string(256 << 10, 'x'));
+    writeFile(at("dst/folder/old.txt"), "old");
+    presenter.answers = {{Action::replace, false}};
+    // Writing past 64 KiB fails (EFBIG), as a full disk would, for root as for anyone.
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit saved{};
+    ::getrlimit(RLIMIT_FSIZE, &saved);
+    const rlimit small{64 << 10, saved.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    run({item(Type::copy, at("src/folder"), at("dst/folder"))});
+    ::setrlimit(RLIMIT_FSIZE, &saved);
+
+    ASSERT_EQ(presenter.alerts.size(), 1u);
+    EXPECT_EQ(presenter.alerts[0].informativeText,
+              ARXFileError::fromErrno(EFBIG, at("dst/folder/big.bin")).text());
+    EXPECT_EQ(readFile(at("dst/folder/old.txt")), "old");
+    EXPECT_EQ(ARXTreeSnapshot(at("dst")).size(), 3u) << "a half copy was left";
+}
+
+// Merge goes into the folder already there: what only it holds stays, and each name both hold is
+// asked about, a folder again with Merge among the answers. Undo would take back only what came.
+TEST_F(ARXFileOperationConflictTest, MergeMovesIntoTheFolderAskingAboutEachNameBothHold) {
+    writeFile(at("src/f/both.txt"), "from src");
+    writeFile(at("src/f/new.txt"), "new");
+    writeFile(at("src/f/sub/deep.txt"), "deep");
+    writeFile(at("dst/f/both.txt"), "from dst");
+    writeFile(at("dst/f/old.txt"), "old");
+    writeFile(at("dst/f/sub/keep.txt"), "keep");
+    presenter.answers = {{Action::merge, false}, {Action::keepBoth, false}, {Action::merge, false}};
+    auto controller = run({item(Type::move, at("src/f"), at("dst/f"))}, ARXSoundEffect::file_added);
+
+    ASSERT_EQ(presenter.questions.size(), 3u);
+    EXPECT_TRUE(presenter.questions[0].folders);
+    EXPECT_EQ(presenter.questions[1].name, "both.txt");
+    EXPECT_FALSE(presenter.questions[1].folders);
+    EXPECT_EQ(presenter.questions[2].name, "sub");
+    EXPECT_TRUE(presenter.questions[2].folders);
+    EXPECT_EQ(readFile(at("dst/f/both.txt")), "from dst");
+    EXPECT_EQ(readFile(at("dst/f/both 2.txt")), "from src");
+    EXPECT_EQ(readFile(at("dst/f/new.txt")), "new");
+    EXPECT_EQ(readFile(at("dst/f/old.txt")), "old");
+    EXPECT_EQ(readFile(at("dst/f/sub/keep.txt")), "keep");
+    EXPECT_EQ(readFile(at("dst/f/sub/deep.txt")), "deep");
+    EXPECT_FALSE(exists(at("src/f")));           // emptied by the move
+    EXPECT_TRUE(controller->items()[0]->failed); // its row stands already
+    EXPECT_EQ(sounds.size(), 1u);
+    ASSERT_EQ(recorded().size(), 1u);
+    const auto& records = recorded()[0]->records;
+    ASSERT_EQ(records.size(), 3u);
+    EXPECT_EQ(records[0].source, at("src/f/both.txt"));
+    EXPECT_EQ(records[0].target, at("dst/f/both 2.txt"));
+    EXPECT_EQ(records[2].target, at("dst/f/sub/deep.txt"));
 }

@@ -1,5 +1,7 @@
 #include "platform/ARXFileOperations.h"
 
+#include "platform/ARXTemporaryItems.h"
+#include "platform/ARXTrash.h"
 #include "support/ARXScratchMount.h"
 #include "support/ARXTestEnvironment.h"
 #include "support/ARXTreeSnapshot.h"
@@ -330,10 +332,52 @@ TEST_F(ARXFileOperationsTest, ReplaceAcrossFileSystemsIsRefusedThenDoneByHand) {
     EXPECT_EQ(readFile(existing), "old");
     EXPECT_EQ(readFile(at("doc.txt")), "new");
 
-    replaceItemSafely(existing, at("doc.txt"));
+    const std::optional<Path> trashed = replaceItemSafely(existing, at("doc.txt"));
     EXPECT_EQ(readFile(existing), "new");
     EXPECT_FALSE(exists(at("doc.txt")));
-    EXPECT_FALSE(exists(existing + ".atrium-temp"));
+    ASSERT_TRUE(trashed.has_value()); // the volume's own trash
+    EXPECT_EQ(readFile(*trashed), "old");
+    EXPECT_EQ(ARXTreeSnapshot(other.path()).size(), 7u) << "the item and the volume's trash";
+}
+
+// What Replace replaced can be taken back out of the trash, to the place it came from.
+TEST_F(ARXFileOperationsTest, ReplaceSendsTheReplacedItemToTheTrash) {
+    writeFile(at("dest/doc.txt"), "old");
+    writeFile(at("doc.txt"), "new");
+
+    const std::optional<Path> trashed = replaceItemSafely(at("dest/doc.txt"), at("doc.txt"));
+
+    EXPECT_EQ(readFile(at("dest/doc.txt")), "new");
+    ASSERT_EQ(trashed, ARXPath::join(ARXTrash::homeTrash(), "files/doc.txt"));
+    EXPECT_EQ(readFile(*trashed), "old");
+    EXPECT_NE(readFile(*ARXTrash::infoFileFor(*trashed))
+                  .find("Path=" + ARXTrash::encodePath(at("dest/doc.txt")) + "\n"),
+              std::string::npos);
+    EXPECT_EQ(ARXTreeSnapshot(at("dest")).size(), 2u) << "nothing left behind";
+}
+
+// Two spellings of one item: an exchange of the item with itself would change nothing, and the
+// removal after it would take the only copy.
+TEST_F(ARXFileOperationsTest, ReplaceRefusesTwoSpellingsOfOneItem) {
+    writeFile(at("a/x"), "only copy");
+    ASSERT_EQ(::symlink(at("a").c_str(), at("link").c_str()), 0);
+    EXPECT_TRUE(isSameItem(at("link/x"), at("a/x")));
+    EXPECT_TRUE(isSameItem(at("a/../a/./x"), at("a//x")));
+    EXPECT_FALSE(isSameItem(at("link"), at("a")));
+
+    for (const Path& spelling : {at("link/x"), at("a/./x"), at("a/../a/x")}) {
+        for (auto replace : {replaceItem, replaceItemByHand}) {
+            EXPECT_THROW(replace(spelling, at("a/x")), ARXFileError) << spelling;
+        }
+        try {
+            replaceItemSafely(spelling, at("a/x"));
+            ADD_FAILURE() << spelling;
+        } catch (const ARXFileError& error) {
+            EXPECT_EQ(error.errnum, EINVAL);
+        }
+        EXPECT_EQ(readFile(at("a/x")), "only copy");
+    }
+    EXPECT_EQ(ARXTreeSnapshot(at("a")).size(), 2u);
 }
 
 TEST_F(ARXFileOperationsTest, ReplaceByHandKeepsTheDestinationWhenTheMoveFails) {
@@ -353,11 +397,11 @@ TEST_F(ARXFileOperationsTest, ReplaceByHandKeepsTheDestinationWhenTheMoveFails) 
         EXPECT_EQ(error.errnum, ENOSPC);
     }
     EXPECT_EQ(readFile(existing), "old");
-    EXPECT_FALSE(exists(existing + ".atrium-temp"));
+    EXPECT_FALSE(exists(ARXTemporaryItems::asideOf(existing)));
     EXPECT_EQ(ARXTreeSnapshot(at("doc.bin")), source);
 
     // A source that has gone: the same.
     EXPECT_THROW(replaceItemByHand(existing, at("missing")), ARXFileError);
     EXPECT_EQ(readFile(existing), "old");
-    EXPECT_FALSE(exists(existing + ".atrium-temp"));
+    EXPECT_FALSE(exists(ARXTemporaryItems::asideOf(existing)));
 }

@@ -30,15 +30,15 @@ protected:
         writeFile(root() + "/report.txt", "text");
     }
 
-    ARXConflictQuestion question(bool single) const {
+    ARXConflictQuestion question(bool single, bool folders) const {
         return {root() + "/report.txt", QStringLiteral("report.txt"),
-                QStringLiteral("The target already exists!"), single};
+                QStringLiteral("The target already exists!"), single, folders};
     }
 
     // Asks over the test window; every answer lands in `answers`.
-    QPointer<ARXConflictDialog> ask(bool single) {
+    QPointer<ARXConflictDialog> ask(bool single, bool folders = false) {
         QPointer<ARXConflictDialog> dialog = ARXConflictDialog::ask(
-            question(single),
+            question(single, folders),
             [this](Action action, bool all) {
                 answers.push_back({action, all});
             },
@@ -71,6 +71,20 @@ TEST_F(ARXConflictDialogTest, ShowsTheItemAndEachButtonAnswersItsAction) {
             EXPECT_TRUE(waitUntil([&] { return dialog.isNull(); }));
         }
     }
+}
+
+// Merge is offered for a folder onto a folder only.
+TEST_F(ARXConflictDialogTest, AFolderOntoAFolderCanBeMerged) {
+    QPointer<ARXConflictDialog> dialog = ask(false);
+    EXPECT_EQ(dialog->button(Action::merge), nullptr);
+    QTest::mouseClick(dialog->button(Action::skip), Qt::LeftButton);
+
+    dialog = ask(false, true);
+    ASSERT_NE(dialog->button(Action::merge), nullptr);
+    EXPECT_TRUE(dialog->button(Action::merge)->isVisible());
+    QTest::mouseClick(dialog->button(Action::merge), Qt::LeftButton);
+    ASSERT_EQ(answers.size(), 2u);
+    EXPECT_EQ(answers[1].action, Action::merge);
 }
 
 TEST_F(ARXConflictDialogTest, TheLastItemOffersNoApplyToAll) {
