@@ -136,7 +136,7 @@ void ARXFileOperationController::tick() {
     // measuring for a sheet nobody sees; an ended batch of any kind stops it. (The sheet is
     // dismissed only at an end, so "no sheet" needs no test of its own; without a presenter there
     // is no sheet at all, and the delegate still hears the progress.)
-    if (ended()) {
+    if (hasEnded()) {
         return;
     }
     joinThread(_measuring);
@@ -147,7 +147,7 @@ void ARXFileOperationController::tick() {
 }
 
 void ARXFileOperationController::tickMeasured() {
-    if (ended()) {
+    if (hasEnded()) {
         return;
     }
     const size_t current = std::min(_index.load(), _items.size() - 1);
@@ -261,8 +261,9 @@ void ARXFileOperationController::fail(const ARXFileError& error) {
     release();
 }
 
-// Lets go of the controller's hold on itself, later: the caller is still inside a member function,
-// and the last owner may be this very hold.
+// Every way a batch ends comes here last. Lets go of the controller's hold on itself, later: the
+// caller is still inside a member function, and the last owner may be this very hold.
 void ARXFileOperationController::release() {
+    Q_EMIT ended();
     ARXMainQueue::async([self = std::move(_self)] {});
 }

@@ -74,7 +74,7 @@ public:
     // The batch ended by its normal or its plain end; never after an error.
     bool finished() const { return _finished; }
     // The batch ended in any way, an error included.
-    bool ended() const { return _finished || _failed; }
+    bool hasEnded() const { return _finished || _failed; }
     double totalSize() const { return _totalSize; }
     ARXFileOperationConflictAction conflictAction() const { return _conflictAction.load(); }
     bool conflictActionApplyAll() const { return _conflictActionApplyAll.load(); }
@@ -88,6 +88,11 @@ public:
     // Where a trashed cloud placeholder (".NAME.icloud") really is: the trash keeps the hidden
     // placeholder form when it exists beside the plain name it answered. `trashed` otherwise.
     static Path cloudPlaceholderTarget(const Path& from, const Path& trashed);
+
+Q_SIGNALS:
+    // The batch is over, whichever way it ended (its end, Stop, an error): emitted once, after
+    // everything its end does (the delegate's calls, the sound, the undo group, the alert).
+    void ended();
 
 private:
     // A delegate or presenter held weakly: a QObject is watched, anything else trusted.

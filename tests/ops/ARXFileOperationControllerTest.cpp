@@ -194,12 +194,57 @@ TEST_F(ARXFileOperationControllerTest, AnErrorEndsTheBatchWithAnAlertAndNothingM
     EXPECT_TRUE(recorded().empty());
     EXPECT_FALSE(controller->items()[1]->failed);
 
-    // The progress tick stopped with the batch.
+    // The progress tick stopped with the batch: a tick still pending at the end fires within one
+    // interval (0.1 s), and one that rearmed itself would fire again before a mark queued three
+    // intervals after the end.
     const size_t updates = presenter.updates.size();
     const size_t progressed = delegate.progressed.size();
-    spin(350);
+    bool marked = false;
+    ARXMainQueue::after(0.3, [&marked] { marked = true; });
+    ASSERT_TRUE(waitUntil([&] { return marked; }));
     EXPECT_EQ(presenter.updates.size(), updates);
     EXPECT_EQ(delegate.progressed.size(), progressed);
+}
+
+TEST_F(ARXFileOperationControllerTest, EndedComesOnceAfterEverythingTheEndDoes) {
+    writeFile(at("a.txt"), "a");
+    makeFolder(at("dst"));
+    // What the end has done by the time `ended` is heard.
+    struct Seen {
+        size_t sounds = 0, records = 0, alerts = 0, dismissed = 0;
+    };
+    auto listen = [this](ARXFileOperationController& controller, Seen& seen) {
+        QObject::connect(&controller, &ARXFileOperationController::ended, [this, &seen] {
+            seen = {sounds.size(), recorded().size(), presenter.alerts.size(),
+                    size_t(presenter.dismissed)};
+        });
+    };
+    const size_t records = recorded().size();
+
+    Seen normal;
+    std::weak_ptr<ARXFileOperationController> weak;
+    {
+        auto controller =
+            begin({item(Type::copy, at("a.txt"), at("dst/a.txt"))}, ARXSoundEffect::file_added);
+        listen(*controller, normal);
+        weak = controller;
+        ASSERT_TRUE(waitForEnd());
+    }
+    EXPECT_EQ(normal.sounds, 1u);
+    EXPECT_EQ(normal.records, records + 1);
+    EXPECT_EQ(normal.dismissed, 1u);
+    // Once: nothing more is heard up to the controller's end.
+    ASSERT_TRUE(waitUntil([&] { return weak.expired(); }));
+    EXPECT_EQ(endSpy->count(), 1);
+
+    Seen failed;
+    auto controller = begin({item(Type::copy, at("gone.txt"), at("dst/gone.txt"))});
+    listen(*controller, failed);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(failed.alerts, 1u);
+    EXPECT_EQ(failed.dismissed, 2u);
+    EXPECT_FALSE(controller->finished());
+    EXPECT_TRUE(controller->hasEnded());
 }
 
 TEST_F(ARXFileOperationControllerTest, AnUnreadableFolderEndsThePreparation) {
@@ -411,7 +456,7 @@ TEST_F(ARXFileOperationControllerTest, ProgressIsMeasuredOnDiskWhileTheCopyRuns)
         ::write(fan, &response, sizeof response);
         ::close(held);
     }
-    EXPECT_TRUE(waitUntil([&] { return controller->ended(); }, 10000));
+    EXPECT_TRUE(waitForEnd());
     stop = true;
     gate.join();
     ::close(fan); // lets any open still waiting through

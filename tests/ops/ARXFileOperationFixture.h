@@ -6,6 +6,8 @@
 #include "platform/ARXSoundPlayer.h"
 #include "support/ARXTestEnvironment.h"
 
+#include <QSignalSpy>
+
 #include <deque>
 #include <memory>
 #include <string>
@@ -115,11 +117,11 @@ protected:
                                                     bool recordable = true,
                                                     bool withPresenter = true) {
         auto controller = begin(std::move(items), sound, recordable, withPresenter);
-        EXPECT_TRUE(waitUntil([&] { return controller->ended(); }, 10000));
+        EXPECT_TRUE(waitForEnd());
         return controller;
     }
 
-    // Starts the batch and returns at once.
+    // Starts the batch and returns at once; waitForEnd() waits for its end.
     std::shared_ptr<ARXFileOperationController>
     begin(std::vector<ARXFileOperationItemRef> items,
           ARXSoundEffect sound = ARXSoundEffect::silence, bool recordable = true,
@@ -127,8 +129,15 @@ protected:
         auto controller = std::make_shared<ARXFileOperationController>(
             std::move(items), sound, recordable, withPresenter ? &presenter : nullptr);
         controller->setDelegate(&delegate);
+        // Listening before the start: the end cannot be missed, however soon it comes.
+        endSpy = std::make_unique<QSignalSpy>(controller.get(), &ARXFileOperationController::ended);
         controller->start();
         return controller;
+    }
+
+    // Whether the last batch begun has ended (at once if it already has).
+    bool waitForEnd(int timeoutMs = 10000) const {
+        return endSpy && (!endSpy->isEmpty() || endSpy->wait(timeoutMs));
     }
 
     static const std::vector<ARXFileOperationRecorder::GroupRef>& recorded() {
@@ -138,4 +147,5 @@ protected:
     ARXScriptedPresenter presenter;
     ARXRecordingDelegate delegate;
     std::vector<ARXSoundEffect> sounds;
+    std::unique_ptr<QSignalSpy> endSpy;
 };
