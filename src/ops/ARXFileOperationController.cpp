@@ -240,7 +240,7 @@ void ARXFileOperationController::endNormally() {
     if (_record) {
         const QDateTime now = QDateTime::currentDateTime();
         for (const ARXFileOperationItemRef& item : _items) {
-            _record->records.push_back({item->from, item->target(), now});
+            _record->records.push_back({item->from, item->target(), now, item->made()});
         }
         ARXFileOperationRecorder::shared().add(_record);
     }

@@ -119,6 +119,7 @@ void ARXFileOperationController::runItems() {
 
         try {
             perform(*item, exists, ontoItself);
+            item->noteMade(); // for an undo, to know the item again
         } catch (const ARXFileError& error) {
             onMain([error](ARXFileOperationController& self) { self.fail(error); });
             return;
