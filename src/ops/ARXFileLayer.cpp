@@ -5,6 +5,7 @@
 #include "platform/ARXFileOperations.h"
 #include "platform/ARXMainQueue.h"
 #include "platform/ARXNotificationCenter.h"
+#include "platform/ARXTrash.h"
 
 namespace ARXFileLayer {
 
@@ -35,7 +36,9 @@ void copyFile(const Path& from, const Path& to) {
 }
 
 void moveFile(const Path& from, const Path& to) {
-    ARXFileOperations::moveItem(from, to);
+    // Through the trash's own move: an item taken out of the trash, or put back, keeps the
+    // trash's info files right for every other program.
+    ARXTrash::moveItem(from, to);
     postMoved(from, to);
 }
 
