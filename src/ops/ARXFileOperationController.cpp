@@ -249,13 +249,54 @@ void ARXFileOperationController::endNormally() {
 // An error ends the batch where it stands: what was done stays done, nothing is rolled back, and
 // the delegate hears no end (its placeholders are set right by the change notifications).
 void ARXFileOperationController::fail(const ARXFileError& error) {
-    _failed = true;
+    if (offerDeletion(error)) {
+        return;
+    }
     if (ARXOperationPresenter* presenter = _presenter.get()) {
         presenter->showAlert(ARXAlertStyle::informational, localized("Error occurred!"),
                              error.text());
-        if (_sheetShown) {
-            presenter->dismissSheet();
-        }
+    }
+    endFailed();
+}
+
+// An item that no trash on its volume can take may be deleted instead, but only when the user
+// says so: the question stands in place of the error's alert, and the batch waits for it.
+bool ARXFileOperationController::offerDeletion(const ARXFileError& error) {
+    ARXOperationPresenter* presenter = _presenter.get();
+    const size_t index = _index.load();
+    if (!presenter || error.code != ARXFileError::kNoTrash || index >= _items.size() ||
+        _items[index]->type != ARXFileOperationType::trash) {
+        return false;
+    }
+    const ARXFileOperationItemRef item = _items[index];
+    presenter->askDeleteImmediately(
+        item->from, error.text(), [weak = _weakSelf, item](bool deleteNow) {
+            if (const std::shared_ptr<ARXFileOperationController> self = weak.lock()) {
+                self->answerDeletion(item, deleteNow);
+            }
+        });
+    return true;
+}
+
+// Delete Immediately goes on with that item deleted; Cancel keeps it and ends the batch there,
+// as its error would have.
+void ARXFileOperationController::answerDeletion(const ARXFileOperationItemRef& item,
+                                                bool deleteNow) {
+    if (hasEnded()) {
+        return;
+    }
+    if (deleteNow) {
+        _deleteInstead = item.get();
+        startWorker();
+        return;
+    }
+    endFailed();
+}
+
+void ARXFileOperationController::endFailed() {
+    _failed = true;
+    if (ARXOperationPresenter* presenter = _presenter.get(); presenter && _sheetShown) {
+        presenter->dismissSheet();
     }
     _sheetShown = false;
     release();

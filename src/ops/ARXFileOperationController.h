@@ -124,6 +124,9 @@ private:
     void endPlain();
     void endNormally();
     void fail(const ARXFileError& error);
+    bool offerDeletion(const ARXFileError& error);
+    void answerDeletion(const ARXFileOperationItemRef& item, bool deleteNow);
+    void endFailed();
     void release();
     void updateSheet(const Path& from, const QString& format, double value);
     void progress(const ARXFileOperationItemRef& item);
@@ -148,6 +151,8 @@ private:
     std::atomic<ARXFileOperationConflictAction> _conflictAction{
         ARXFileOperationConflictAction::notselected};
     std::atomic<bool> _conflictActionApplyAll{false};
+    // The trash item the user chose to delete immediately, since no trash could take it.
+    std::atomic<const ARXFileOperationItem*> _deleteInstead{nullptr};
 
     // Per item: its destination is its source. Decided on the main thread before the work starts,
     // since path comparison reads the table of mounted volumes, which belongs to the main thread.

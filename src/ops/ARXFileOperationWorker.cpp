@@ -189,6 +189,10 @@ void ARXFileOperationController::perform(ARXFileOperationItem& item, bool exists
         break;
     }
     case ARXFileOperationType::trash:
+        if (_deleteInstead.load() == &item) {
+            ARXFileLayer::removeFile(from); // the user's answer where no trash could take it
+            break;
+        }
         if (const std::optional<Path> trashed = ARXFileLayer::trashFile(from)) {
             item.setTarget(cloudPlaceholderTarget(from, *trashed));
         }

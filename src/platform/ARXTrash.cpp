@@ -262,7 +262,7 @@ MoveResult moveIntoTrash(const Path& trash, const Path& path,
 
 [[noreturn]] void refuse(int err, const Path& path) {
     const ARXFileError error = ARXFileError::fromErrno(err, path, Access::writing);
-    throw ARXFileError(error.errnum, error.code, path,
+    throw ARXFileError(error.errnum, ARXFileError::kNoTrash, path,
                        QCoreApplication::translate("Atrium", "Cannot trash on this volume (%1)")
                            .arg(error.message));
 }

@@ -22,7 +22,8 @@ namespace ARXTrash {
 // $XDG_DATA_HOME/Trash.
 Path homeTrash();
 
-// Moves the item into its trash and answers its path there, under "files/". The info file is
+// Moves the item into its trash and answers its path there, under "files/". Where no trash on the
+// item's mount can be used, throws ARXFileError::kNoTrash and the item stays. The info file is
 // made first, with O_EXCL, so that two programs trashing at once can never pick the same name:
 // "NAME", then "NAME.2", "NAME.3", ... (names too long for the info file's suffix are shortened).
 // If the item cannot be moved, its info file is removed again. Throws ARXFileError.

@@ -3,6 +3,7 @@
 #include "ARXFileOperationFixture.h"
 #include "app/ARXConf.h"
 #include "platform/ARXDirectoryReader.h"
+#include "support/ARXScratchMount.h"
 #include "support/ARXTreeSnapshot.h"
 
 #include <QCoreApplication>
@@ -245,6 +246,38 @@ TEST_F(ARXFileOperationControllerTest, EndedComesOnceAfterEverythingTheEndDoes) 
     EXPECT_EQ(failed.dismissed, 2u);
     EXPECT_FALSE(controller->finished());
     EXPECT_TRUE(controller->hasEnded());
+}
+
+TEST_F(ARXFileOperationControllerTest, WhereNoTrashCanBeMadeOnlyAnExplicitChoiceDeletes) {
+    ARXScratchMount volume(at("volume"), "8m");
+    if (!volume.mounted()) {
+        GTEST_SKIP() << "no second file system: " << volume.error();
+    }
+    auto on = [&](const char* name) { return ARXPath::join(volume.path(), name); };
+    writeFile(on((".Trash-" + std::to_string(::geteuid())).c_str()), "a file, not a folder");
+    for (const char* name : {"a.txt", "b.txt", "c.txt"}) {
+        writeFile(on(name), name);
+    }
+
+    // Nobody to ask: nothing is deleted.
+    run({item(Type::trash, on("a.txt"))}, ARXSoundEffect::silence, true, false);
+    EXPECT_EQ(readFile(on("a.txt")), "a.txt");
+
+    presenter.deleteAnswers = {true, false};
+    auto controller = run({item(Type::trash, on("a.txt")), item(Type::trash, on("b.txt")),
+                           item(Type::trash, on("c.txt"))});
+    ASSERT_EQ(presenter.deletionQuestions.size(), 2u);
+    EXPECT_EQ(presenter.deletionQuestions[0].first, on("a.txt"));
+    EXPECT_TRUE(presenter.deletionQuestions[0].second.contains(ARXPath::display(on("a.txt"))));
+    EXPECT_EQ(presenter.deletionQuestions[1].first, on("b.txt"));
+    // Delete Immediately deleted the first; Cancel kept the second and ended the batch there.
+    EXPECT_FALSE(exists(on("a.txt")));
+    EXPECT_EQ(controller->items()[0]->target(), std::nullopt);
+    EXPECT_EQ(readFile(on("b.txt")), "b.txt");
+    EXPECT_EQ(readFile(on("c.txt")), "c.txt");
+    EXPECT_TRUE(presenter.alerts.empty()) << "the question stands in place of the error";
+    EXPECT_FALSE(controller->finished());
+    EXPECT_EQ(presenter.dismissed, 1);
 }
 
 TEST_F(ARXFileOperationControllerTest, AnUnreadableFolderEndsThePreparation) {

@@ -44,6 +44,16 @@ public:
         alerts.push_back({style, message, informativeText});
     }
     void showToast(const QString& text) override { toasts.push_back(text); }
+    // Answers from deleteAnswers, Cancel when none is left.
+    void askDeleteImmediately(const Path& path, const QString& reason,
+                              std::function<void(bool)> reply) override {
+        deletionQuestions.push_back({path, reason});
+        const bool deleteNow = !deleteAnswers.empty() && deleteAnswers.front();
+        if (!deleteAnswers.empty()) {
+            deleteAnswers.pop_front();
+        }
+        ARXMainQueue::async([reply, deleteNow] { reply(deleteNow); });
+    }
 
     void answer(ARXFileOperationConflictAction action, bool applyToAll) {
         auto reply = std::move(pending);
@@ -59,6 +69,8 @@ public:
     std::vector<QString> toasts;
     std::deque<Answer> answers;
     std::function<void(ARXFileOperationConflictAction, bool)> pending;
+    std::vector<std::pair<Path, QString>> deletionQuestions;
+    std::deque<bool> deleteAnswers;
 };
 
 // A delegate that writes down its calls, in order.
