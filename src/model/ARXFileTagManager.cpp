@@ -2,6 +2,7 @@
 
 #include "app/ARXConf.h"
 #include "app/ARXNotificationNames.h"
+#include "app/ARXStoredNumber.h"
 #include "platform/ARXFileIO.h"
 #include "platform/ARXNotificationCenter.h"
 #include "platform/ARXResourceValues.h"
@@ -59,11 +60,12 @@ void ARXFileTagManager::refresh() {
     for (const QJsonValue& item : doc.array()) {
         const QJsonObject entry = item.toObject();
         const QJsonValue name = entry.value(QStringLiteral("n"));
-        const QJsonValue number = entry.value(QStringLiteral("l"));
-        if (!name.isString() || !number.isDouble()) {
+        const std::optional<qint64> number =
+            ARXStoredNumber::integer(entry.value(QStringLiteral("l")));
+        if (!name.isString() || !number) {
             continue;
         }
-        _tagColorIndexes.insert(name.toString(), number.toInt());
+        _tagColorIndexes.insert(name.toString(), int(*number));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "model/ARXFileTagManager.h"
 
 #include "app/ARXNotificationNames.h"
+#include "app/ARXStoredNumber.h"
 #include "model/ARXFileEntry.h"
 #include "platform/ARXNotificationCenter.h"
 #include "platform/ARXResourceValues.h"
@@ -22,7 +23,7 @@ protected:
 
 TEST_F(ARXFileTagManagerTest, ReadsColourNumbersAndSkipsIncompleteEntries) {
     writeFile(table(), R"([{"n": "Work", "l": 4}, {"n": "Plain", "l": 0}, {"n": "NoNumber"},
-                          {"l": 6}, "junk", {"n": "Urgent", "l": 6}])");
+                          {"l": 6}, "junk", {"n": "Urgent", "l": 6}, {"n": "Huge", "l": 1e300}])");
     ARXFileTagManager manager(table());
     manager.refresh();
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Work")), 4);
@@ -30,6 +31,7 @@ TEST_F(ARXFileTagManagerTest, ReadsColourNumbersAndSkipsIncompleteEntries) {
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Plain")), 0);
     EXPECT_EQ(manager.colorIndex(QStringLiteral("NoNumber")), 0);
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Unknown")), 0);
+    EXPECT_EQ(manager.colorIndex(QStringLiteral("Huge")), int(ARXStoredNumber::kLimit));
     EXPECT_EQ(manager.colors()[4], 0x438DF8u);
     EXPECT_EQ(ARXFileTagManager::labelNames().size(), 7);
 }
