@@ -88,6 +88,28 @@ TEST_F(ARXFileTagManagerTest, SetTagsWritesAndAnnouncesOnlyOnSuccess) {
     EXPECT_EQ(posts, 1);
 }
 
+TEST_F(ARXFileTagManagerTest, TagsLeftAsTheyWereKeepTheBytesOtherProgramsWrote) {
+    const Path file = ARXPath::join(root(), "tagged");
+    writeFile(file, "x");
+    // A byte-order mark, a name that is not UTF-8 with blanks around it, and one to remove.
+    const std::string foreign = "\xEF\xBB\xBFWork, caf\xE9 ,Old";
+    if (ARXResourceValues::writeTagAttribute(file, foreign) == ENOTSUP) {
+        GTEST_SKIP() << "this file system keeps no user extended attributes";
+    }
+    ARXFileTagManager manager(table());
+    QStringList tags = ARXResourceValues::readTags(file).value_or(QStringList());
+    ASSERT_EQ(tags.size(), 3);
+    tags.removeAll(QStringLiteral("Old"));
+    tags.append(QStringLiteral("Ünï"));
+    ASSERT_EQ(manager.setTags(file, tags), 0);
+    EXPECT_EQ(ARXResourceValues::readTagAttribute(file),
+              "\xEF\xBB\xBFWork, caf\xE9 ,\xC3\x9Cn\xC3\xAF");
+
+    EXPECT_EQ(manager.setTags(file, {QStringLiteral("a,b")}), EINVAL);
+    ASSERT_EQ(manager.setTags(file, {}), 0);
+    EXPECT_EQ(ARXResourceValues::readTagAttribute(file), "");
+}
+
 TEST_F(ARXFileTagManagerTest, TheSharedManagerColoursEntriesFromTheDataRootTable) {
     writeFile(dataHome() + "/Atrium/tags.json",
               R"([{"n": "Work", "l": 4}, {"n": "Home", "l": 2}])");
