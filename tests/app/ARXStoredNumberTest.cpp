@@ -9,16 +9,6 @@
 using ARXStoredNumber::kLimit;
 
 // Numbers a file holds are clamped as they are read, before anything turns them into an int.
-TEST(ARXStoredNumber, NumbersAreClampedBeforeTheyAreConverted) {
-    EXPECT_EQ(ARXStoredNumber::number(QJsonValue(1e300)), kLimit);
-    EXPECT_EQ(ARXStoredNumber::number(QJsonValue(-1e300)), -kLimit);
-    EXPECT_EQ(ARXStoredNumber::number(QJsonValue(2.5), 0, 1), 1.0);
-    EXPECT_EQ(ARXStoredNumber::integer(QJsonValue(1e300)), qint64(kLimit));
-    EXPECT_EQ(ARXStoredNumber::integer(QJsonValue(-7.9)), -7);
-    EXPECT_EQ(ARXStoredNumber::number(QJsonValue(QStringLiteral("1"))), std::nullopt);
-    EXPECT_EQ(ARXStoredNumber::integer(QJsonValue(true)), std::nullopt);
-}
-
 TEST(ARXStoredNumber, AWorkspaceRecordHoldsOnlyNumbersAWindowCanTake) {
     QString error;
     const auto d = ARXAtriumData::fromJsonBytes(
