@@ -22,7 +22,6 @@
 #include "platform/ARXNotificationCenter.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 
 #include <cstdio>
 #include <cstring>
@@ -69,14 +68,9 @@ int runBatch(QCoreApplication& app, const std::string& verb, const std::vector<P
     }
     auto controller =
         std::make_shared<ARXFileOperationController>(items, ARXSoundEffect::silence, false);
+    QObject::connect(controller.get(), &ARXFileOperationController::ended, &app,
+                     &QCoreApplication::quit, Qt::QueuedConnection);
     controller->start();
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (controller->ended()) {
-            QCoreApplication::quit();
-        }
-    });
-    poll.start(2);
     app.exec();
     if (!controller->finished()) {
         std::fprintf(stderr, "atrium-fileop: the batch failed\n");

@@ -1,5 +1,7 @@
 #include "app/ARXAtriumData.h"
 
+#include "app/ARXStoredNumber.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonParseError>
@@ -63,22 +65,22 @@ private:
     bool _ok = true;
 };
 
+// Every number of a record is clamped as it is read (ARXStoredNumber), so that whatever the
+// file says, no later conversion to a widget's int can overflow.
 std::optional<qint64> asInteger(const QJsonValue& v) {
-    if (!v.isDouble()) {
-        return std::nullopt;
-    }
-    const double d = v.toDouble();
-    if (!std::isfinite(d) || d != std::trunc(d) || std::fabs(d) > 9.0e15) {
+    if (v.isDouble() && v.toDouble() != std::trunc(v.toDouble())) {
         return std::nullopt; // 2.5 is no integer
     }
-    return qint64(d);
+    return ARXStoredNumber::integer(v);
 }
 
 std::optional<double> asNumber(const QJsonValue& v) {
-    if (!v.isDouble()) {
-        return std::nullopt;
-    }
-    return v.toDouble();
+    return ARXStoredNumber::number(v);
+}
+
+// A split's share of its space.
+std::optional<double> asFactor(const QJsonValue& v) {
+    return ARXStoredNumber::number(v, 0.0, 1.0);
 }
 
 std::optional<bool> asBool(const QJsonValue& v) {
@@ -130,8 +132,9 @@ std::optional<QStringList> asStrings(const QJsonValue& v) {
     return QStringList(list->begin(), list->end());
 }
 
+template <auto convert = asNumber>
 std::optional<QList<double>> asNumbers(const QJsonValue& v) {
-    auto list = asArrayOf<double>(v, asNumber);
+    auto list = asArrayOf<double>(v, convert);
     if (!list) {
         return std::nullopt;
     }
@@ -145,17 +148,18 @@ std::optional<QMap<QString, double>> asWidths(const QJsonValue& v) {
     QMap<QString, double> widths;
     const QJsonObject object = v.toObject();
     for (auto it = object.begin(); it != object.end(); ++it) {
-        if (!it.value().isDouble()) {
+        const std::optional<double> width = asNumber(it.value());
+        if (!width) {
             return std::nullopt;
         }
-        widths.insert(it.key(), it.value().toDouble());
+        widths.insert(it.key(), *width);
     }
     return widths;
 }
 
 // [[x, y], [width, height]]
 std::optional<QRectF> asFrame(const QJsonValue& v) {
-    auto pairs = asArrayOf<QList<double>>(v, asNumbers);
+    auto pairs = asArrayOf<QList<double>>(v, asNumbers<>);
     if (!pairs || pairs->size() < 2 || (*pairs)[0].size() < 2 || (*pairs)[1].size() < 2) {
         return std::nullopt;
     }
@@ -286,7 +290,7 @@ std::optional<ARXAtriumData> ARXAtriumData::fromJson(const QJsonObject& object, 
     d.pinTop = r.optional<bool>("pinTop", asBool);
     d.sidebarWidth = r.optional<double>("sidebarWidth", asNumber);
     d.layoutId = r.optional<qint64>("layoutId", asInteger);
-    d.layoutFactors = r.optional<QList<double>>("layoutFactors", asNumbers);
+    d.layoutFactors = r.optional<QList<double>>("layoutFactors", asNumbers<asFactor>);
     if (!r.ok()) {
         return std::nullopt;
     }

@@ -266,6 +266,14 @@ void storeAppearance(qint64 appearance) {
     }
 }
 
+qint64 appearanceToApply() {
+    const qint64 appearance = settings_appearance().value();
+    if (appearance == 0 && settings_appearance().isStored()) {
+        storeAppearance(0);
+    }
+    return appearance;
+}
+
 QString defaultWorkspaceName() {
     return QCoreApplication::translate("Atrium", "Default");
 }

@@ -104,6 +104,9 @@ const QList<ARXSettingInfo>& catalogue();
 // Stores the appearance. 0 means "follow the desktop", which is the absence of the key, so it
 // removes the key rather than storing 0.
 void storeAppearance(qint64 appearance);
+// The appearance to apply at launch. Applying 0 leaves no key in the store: a stored 0 (or a
+// value that reads as 0) is removed.
+qint64 appearanceToApply();
 
 // The identifier that marks a separator in settings_enabled_context_menu_items.
 inline const QString contextMenuSeparator = QStringLiteral("com.brightmoor.atrium.separator");

@@ -12,7 +12,7 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <set>
+#include <cerrno>
 
 namespace {
 
@@ -187,6 +187,18 @@ QStringList ARXDataCenter::workspaceNames() const {
 bool ARXDataCenter::save(const QString& name, const ARXAtriumData& data) const {
     const QByteArray json = QJsonDocument(data.toJson()).toJson(QJsonDocument::Indented);
     const Path file = path(name);
+    if (_unusable.contains(file) && ARXFileIO::exists(file)) {
+        const Path aside = ARXFileIO::setAside(file);
+        if (aside.empty()) {
+            ARXConsole::line(QStringLiteral("Atrium: workspace \"%1\" not saved: cannot move the "
+                                            "unusable %2 aside")
+                                 .arg(name, ARXPath::display(file)));
+            return false;
+        }
+        ARXConsole::line(QStringLiteral("Atrium: the unusable workspace file %1 was kept as %2")
+                             .arg(ARXPath::display(file), ARXPath::display(aside)));
+    }
+    _unusable.erase(file);
     if (int error = ARXFileIO::writeAtomically(
             file, std::string_view(json.constData(), size_t(json.size())))) {
         ARXConsole::line(QStringLiteral("Atrium: cannot save workspace \"%1\" to %2: %3")
@@ -200,20 +212,30 @@ bool ARXDataCenter::save(const QString& name, const ARXAtriumData& data) const {
 std::optional<ARXAtriumData> ARXDataCenter::load(const Path& file) const {
     int error = 0;
     const auto bytes = ARXFileIO::readFile(file, 16u << 20, &error);
-    if (!bytes) {
-        ARXConsole::line(
-            QStringLiteral("Atrium: cannot read workspace file %1: %2")
-                .arg(ARXPath::display(file), QString::fromStdString(ARXFileIO::errorText(error))));
-        return std::nullopt;
-    }
     QString why;
-    auto data = ARXAtriumData::fromJsonBytes(
-        QByteArray::fromRawData(bytes->data(), qsizetype(bytes->size())), &why);
-    if (!data) {
-        ARXConsole::line(QStringLiteral("Atrium: workspace file %1 cannot be used (%2); the "
-                                        "workspace opens with defaults")
-                             .arg(ARXPath::display(file), why));
+    std::optional<ARXAtriumData> data;
+    if (!bytes) {
+        why = QString::fromStdString(ARXFileIO::errorText(error));
+    } else {
+        data = ARXAtriumData::fromJsonBytes(
+            QByteArray::fromRawData(bytes->data(), qsizetype(bytes->size())), &why);
     }
+    // A missing file, or an empty one, holds nothing worth keeping.
+    const bool nothing = bytes && bytes->find_first_not_of(" \t\r\n") == std::string::npos;
+    if (data || error == ENOENT || nothing) {
+        if (!data) {
+            ARXConsole::line(QStringLiteral("Atrium: cannot read workspace file %1: %2")
+                                 .arg(ARXPath::display(file), why));
+        }
+        return data;
+    }
+    // What the user may still want is never written over: the next save moves it aside.
+    _unusable.insert(file);
+    ARXConsole::line(QStringLiteral("Atrium: workspace file %1 cannot be used (%2); the "
+                                    "workspace opens with defaults, and the file is kept as "
+                                    "%3 when the workspace is next saved")
+                         .arg(ARXPath::display(file), why,
+                              ARXPath::display(ARXPath::lastComponent(file) + ".broken")));
     return data;
 }
 

@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 
 // Knows where Atrium's data lives, reads and writes workspace records, and keeps the sorted list
 // of mounted volumes that path comparison relies on. Created at first use, on the main thread.
@@ -31,12 +32,13 @@ public:
     QStringList workspaceNames() const;
 
     // Writes a workspace atomically. Errors go to the console and leave the previous file.
-    // Answers whether the file was written.
+    // Answers whether the file was written. A file that load() could not use is set aside first
+    // as "NAME.atx.broken" (and the console says so); if it cannot be, nothing is written.
     bool save(const QString& name, const ARXAtriumData& data) const;
 
     // Reads one workspace file; nullopt (and the reason on the console) when it is missing or
-    // cannot be decoded. The caller then opens the workspace with defaults, and its next save
-    // replaces the bad file.
+    // cannot be read or decoded. The caller then opens the workspace with defaults; a file that
+    // exists is kept, set aside at its next save.
     std::optional<ARXAtriumData> load(const Path& file) const;
 
     // Saves a new, empty workspace under the first free "My Workspace N" and answers its name.
@@ -78,4 +80,7 @@ private:
     // threads keep a whole list while they search it.
     mutable std::mutex _volumesMutex;
     std::shared_ptr<const ARXVolumeList> _volumes = std::make_shared<const ARXVolumeList>();
+
+    // Workspace files that exist but could not be used: set aside before they are written over.
+    mutable std::set<Path> _unusable;
 };

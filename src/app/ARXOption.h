@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ARXSettingsStore.h"
+#include "app/ARXStoredNumber.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -14,7 +15,8 @@
 
 // How each value form is kept in the JSON store. fromJson answers nullopt when the stored value
 // is not of the form, and the option then falls back to its default (and leaves the stored value
-// alone). Numbers and booleans convert into each other, as a stored 1 reads as true.
+// alone). Numbers and booleans convert into each other, as a stored 1 reads as true. Numbers are
+// clamped (ARXStoredNumber) before anything converts them.
 template <typename T>
 struct ARXOptionCodec;
 
@@ -35,17 +37,10 @@ struct ARXOptionCodec<bool> {
 template <>
 struct ARXOptionCodec<qint64> {
     static std::optional<qint64> fromJson(const QJsonValue& v) {
-        if (v.isDouble()) {
-            const double d = v.toDouble();
-            if (std::isfinite(d) && std::fabs(d) < 9.2e18) {
-                return qint64(d); // like a number cast to an integer: cut towards zero
-            }
-            return std::nullopt;
-        }
         if (v.isBool()) {
             return v.toBool() ? 1 : 0;
         }
-        return std::nullopt;
+        return ARXStoredNumber::integer(v);
     }
     static QJsonValue toJson(qint64 v) { return v; }
 };
@@ -53,13 +48,10 @@ struct ARXOptionCodec<qint64> {
 template <>
 struct ARXOptionCodec<double> {
     static std::optional<double> fromJson(const QJsonValue& v) {
-        if (v.isDouble()) {
-            return v.toDouble();
-        }
         if (v.isBool()) {
             return v.toBool() ? 1.0 : 0.0;
         }
-        return std::nullopt;
+        return ARXStoredNumber::number(v);
     }
     static QJsonValue toJson(double v) { return v; }
 };
@@ -75,14 +67,15 @@ struct ARXOptionCodec<QString> {
     static QJsonValue toJson(const QString& v) { return v; }
 };
 
-// Dates are kept as seconds since 1970, with fractions.
+// Dates are kept as seconds since 1970, with fractions, within some 300,000 years of it.
 template <>
 struct ARXOptionCodec<QDateTime> {
     static std::optional<QDateTime> fromJson(const QJsonValue& v) {
-        if (!v.isDouble() || !std::isfinite(v.toDouble())) {
+        const std::optional<double> seconds = ARXStoredNumber::number(v, -1e13, 1e13);
+        if (!seconds) {
             return std::nullopt;
         }
-        return QDateTime::fromMSecsSinceEpoch(qint64(std::llround(v.toDouble() * 1000.0)));
+        return QDateTime::fromMSecsSinceEpoch(qint64(std::llround(*seconds * 1000.0)));
     }
     static QJsonValue toJson(const QDateTime& v) { return double(v.toMSecsSinceEpoch()) / 1000.0; }
 };

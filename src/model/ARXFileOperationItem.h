@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/ARXSpaceViewTypes.h"
+#include "platform/ARXFileStatus.h"
 #include "platform/ARXPath.h"
 
 #include <QObject>
@@ -12,6 +13,27 @@
 #include <optional>
 
 class ARXFileEntry;
+
+// What an operation left at a path, to know it again later: the same item (device and inode),
+// not written to since (size and modification time). A file edited, replaced or removed since is
+// no longer what the operation made.
+struct ARXMadeItem {
+    uint64_t device = 0;
+    uint64_t inode = 0;
+    uint64_t size = 0;
+    ARXFileTime modified;
+
+    bool operator==(const ARXMadeItem&) const = default;
+
+    // The item at the path itself (a symbolic link as a link); none when nothing is there.
+    static std::optional<ARXMadeItem> at(const Path& path) {
+        const ARXFileStatus status = ARXFileStatus::lstat(path);
+        if (!status.exists) {
+            return std::nullopt;
+        }
+        return ARXMadeItem{status.device, status.inode, status.size, status.modified};
+    }
+};
 
 // One unit of work of a file operation batch: copy this, move that, trash the other. Items are
 // shared (std::shared_ptr) between the batch, the worker, the polling tick and the placeholder
@@ -46,6 +68,18 @@ public:
         _target = std::move(target);
     }
 
+    // What stood at the target when the item was done; taken by the worker right after it.
+    std::optional<ARXMadeItem> made() const {
+        std::lock_guard lock(_targetMutex);
+        return _made;
+    }
+    void noteMade() {
+        const std::optional<Path> where = target();
+        std::optional<ARXMadeItem> made = where ? ARXMadeItem::at(*where) : std::nullopt;
+        std::lock_guard lock(_targetMutex);
+        _made = std::move(made);
+    }
+
     // Bytes measured in the preparation pass, and bytes done as the polling tick finds them.
     std::atomic<double> totalSize{0.0};
     std::atomic<double> workedSize{0.0};
@@ -65,6 +99,7 @@ public:
 private:
     mutable std::mutex _targetMutex;
     std::optional<Path> _target;
+    std::optional<ARXMadeItem> _made;
 };
 
 using ARXFileOperationItemRef = std::shared_ptr<ARXFileOperationItem>;

@@ -2,6 +2,7 @@
 
 #include "app/ARXConf.h"
 #include "app/ARXNotificationNames.h"
+#include "app/ARXStoredNumber.h"
 #include "platform/ARXFileIO.h"
 #include "platform/ARXNotificationCenter.h"
 #include "platform/ARXResourceValues.h"
@@ -59,17 +60,62 @@ void ARXFileTagManager::refresh() {
     for (const QJsonValue& item : doc.array()) {
         const QJsonObject entry = item.toObject();
         const QJsonValue name = entry.value(QStringLiteral("n"));
-        const QJsonValue number = entry.value(QStringLiteral("l"));
-        if (!name.isString() || !number.isDouble()) {
+        const std::optional<qint64> number =
+            ARXStoredNumber::integer(entry.value(QStringLiteral("l")));
+        if (!name.isString() || !number) {
             continue;
         }
-        _tagColorIndexes.insert(name.toString(), number.toInt());
+        _tagColorIndexes.insert(name.toString(), int(*number));
     }
 }
 
+std::optional<std::string> ARXFileTagManager::mergedTags(std::string_view present,
+                                                         const QStringList& tags) {
+    const std::optional<std::string> formatted = ARXResourceValues::formatTags(tags);
+    if (!formatted) {
+        return std::nullopt;
+    }
+    // The names as the file's tags are shown; a present tag is kept when its name stays.
+    const QStringList wanted = ARXResourceValues::parseTags(*formatted);
+    std::string merged;
+    QStringList kept;
+    auto append = [&merged](std::string_view part) {
+        if (!merged.empty()) {
+            merged.push_back(',');
+        }
+        merged.append(part);
+    };
+    // The same split as the reading of tags, so that each part is one tag as shown.
+    while (!present.empty()) {
+        const size_t end = present.find_first_of(std::string_view(",\0", 2));
+        const std::string_view part = present.substr(0, end);
+        present.remove_prefix(end == std::string_view::npos ? present.size() : end + 1);
+        const QStringList name = ARXResourceValues::parseTags(part);
+        if (!name.isEmpty() && wanted.contains(name.front())) {
+            append(part);
+            kept.append(name.front());
+        }
+    }
+    for (const QString& name : wanted) {
+        if (!kept.contains(name)) {
+            append(*ARXResourceValues::formatTags({name}));
+        }
+    }
+    return merged;
+}
+
 int ARXFileTagManager::setTags(const Path& path, const QStringList& tags) {
-    if (int error = ARXResourceValues::setTags(path, tags)) {
+    int error = 0;
+    const std::optional<std::string> present = ARXResourceValues::readTagAttribute(path, &error);
+    if (!present) {
         return error;
+    }
+    const std::optional<std::string> merged = mergedTags(*present, tags);
+    if (!merged) {
+        return EINVAL;
+    }
+    if (const int failed = ARXResourceValues::writeTagAttribute(path, *merged)) {
+        return failed;
     }
     ARXNotificationCenter::shared().post(ARXNotificationName::rv_file_tags_changed,
                                          {{ARXNotificationKey::url, ARXPath::fileURLString(path)},

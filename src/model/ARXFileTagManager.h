@@ -36,8 +36,14 @@ public:
 
     // Writes a file's tags (an empty list removes them) and posts "rv_file_tags_changed" with
     // "url" (the file's URL) and "tags". On failure answers the errno and posts nothing; the caller
-    // shows the alert unless it was asked to stay silent.
+    // shows the alert unless it was asked to stay silent. Tags the file keeps keep their bytes as
+    // other programs wrote them (not UTF-8, a byte-order mark, blanks): only what changes is
+    // written anew.
     int setTags(const Path& path, const QStringList& tags);
+
+    // The attribute's bytes for `tags` over the `present` bytes: each present tag that stays
+    // keeps its bytes and its place, new tags follow in UTF-8. nullopt if a name holds a comma.
+    static std::optional<std::string> mergedTags(std::string_view present, const QStringList& tags);
 
     Path tableFile() const { return _tableFile; }
 

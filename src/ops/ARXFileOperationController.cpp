@@ -137,7 +137,7 @@ void ARXFileOperationController::tick() {
     // measuring for a sheet nobody sees; an ended batch of any kind stops it. (The sheet is
     // dismissed only at an end, so "no sheet" needs no test of its own; without a presenter there
     // is no sheet at all, and the delegate still hears the progress.)
-    if (ended()) {
+    if (hasEnded()) {
         return;
     }
     joinThread(_measuring);
@@ -148,7 +148,7 @@ void ARXFileOperationController::tick() {
 }
 
 void ARXFileOperationController::tickMeasured() {
-    if (ended()) {
+    if (hasEnded()) {
         return;
     }
     const size_t current = std::min(_index.load(), _items.size() - 1);
@@ -240,8 +240,13 @@ void ARXFileOperationController::endNormally() {
     playSound(_sound);
     if (_record) {
         const QDateTime now = QDateTime::currentDateTime();
+<<<<<<< HEAD
         for (size_t i = 0; i < _items.size(); ++i) {
             recordItem(i, now);
+=======
+        for (const ARXFileOperationItemRef& item : _items) {
+            _record->records.push_back({item->from, item->target(), now, item->made()});
+>>>>>>> undo
         }
         ARXFileOperationRecorder::shared().add(_record);
     }
@@ -250,20 +255,62 @@ void ARXFileOperationController::endNormally() {
 // An error ends the batch where it stands: what was done stays done, nothing is rolled back, and
 // the delegate hears no end (its placeholders are set right by the change notifications).
 void ARXFileOperationController::fail(const ARXFileError& error) {
-    _failed = true;
+    if (offerDeletion(error)) {
+        return;
+    }
     if (ARXOperationPresenter* presenter = _presenter.get()) {
         presenter->showAlert(ARXAlertStyle::informational, localized("Error occurred!"),
                              error.text());
-        if (_sheetShown) {
-            presenter->dismissSheet();
-        }
+    }
+    endFailed();
+}
+
+// An item that no trash on its volume can take may be deleted instead, but only when the user
+// says so: the question stands in place of the error's alert, and the batch waits for it.
+bool ARXFileOperationController::offerDeletion(const ARXFileError& error) {
+    ARXOperationPresenter* presenter = _presenter.get();
+    const size_t index = _index.load();
+    if (!presenter || error.code != ARXFileError::kNoTrash || index >= _items.size() ||
+        _items[index]->type != ARXFileOperationType::trash) {
+        return false;
+    }
+    const ARXFileOperationItemRef item = _items[index];
+    presenter->askDeleteImmediately(
+        item->from, error.text(), [weak = _weakSelf, item](bool deleteNow) {
+            if (const std::shared_ptr<ARXFileOperationController> self = weak.lock()) {
+                self->answerDeletion(item, deleteNow);
+            }
+        });
+    return true;
+}
+
+// Delete Immediately goes on with that item deleted; Cancel keeps it and ends the batch there,
+// as its error would have.
+void ARXFileOperationController::answerDeletion(const ARXFileOperationItemRef& item,
+                                                bool deleteNow) {
+    if (hasEnded()) {
+        return;
+    }
+    if (deleteNow) {
+        _deleteInstead = item.get();
+        startWorker();
+        return;
+    }
+    endFailed();
+}
+
+void ARXFileOperationController::endFailed() {
+    _failed = true;
+    if (ARXOperationPresenter* presenter = _presenter.get(); presenter && _sheetShown) {
+        presenter->dismissSheet();
     }
     _sheetShown = false;
     release();
 }
 
-// Lets go of the controller's hold on itself, later: the caller is still inside a member function,
-// and the last owner may be this very hold.
+// Every way a batch ends comes here last. Lets go of the controller's hold on itself, later: the
+// caller is still inside a member function, and the last owner may be this very hold.
 void ARXFileOperationController::release() {
+    Q_EMIT ended();
     ARXMainQueue::async([self = std::move(_self)] {});
 }

@@ -76,7 +76,7 @@ public:
     // The batch ended by its normal or its plain end; never after an error.
     bool finished() const { return _finished; }
     // The batch ended in any way, an error included.
-    bool ended() const { return _finished || _failed; }
+    bool hasEnded() const { return _finished || _failed; }
     double totalSize() const { return _totalSize; }
     ARXFileOperationConflictAction conflictAction() const { return _conflictAction.load(); }
     bool conflictActionApplyAll() const { return _conflictActionApplyAll.load(); }
@@ -90,6 +90,11 @@ public:
     // Where a trashed cloud placeholder (".NAME.icloud") really is: the trash keeps the hidden
     // placeholder form when it exists beside the plain name it answered. `trashed` otherwise.
     static Path cloudPlaceholderTarget(const Path& from, const Path& trashed);
+
+Q_SIGNALS:
+    // The batch is over, whichever way it ended (its end, Stop, an error): emitted once, after
+    // everything its end does (the delegate's calls, the sound, the undo group, the alert).
+    void ended();
 
 private:
     // A delegate or presenter held weakly: a QObject is watched, anything else trusted.
@@ -121,6 +126,9 @@ private:
     void endPlain();
     void endNormally();
     void fail(const ARXFileError& error);
+    bool offerDeletion(const ARXFileError& error);
+    void answerDeletion(const ARXFileOperationItemRef& item, bool deleteNow);
+    void endFailed();
     void release();
     void updateSheet(const Path& from, const QString& format, double value);
     void progress(const ARXFileOperationItemRef& item);
@@ -153,6 +161,8 @@ private:
     std::atomic<ARXFileOperationConflictAction> _conflictAction{
         ARXFileOperationConflictAction::notselected};
     std::atomic<bool> _conflictActionApplyAll{false};
+    // The trash item the user chose to delete immediately, since no trash could take it.
+    std::atomic<const ARXFileOperationItem*> _deleteInstead{nullptr};
 
     // Per item: its destination is its source by the path rules (letter case on a volume that
     // ignores it). Decided on the main thread before the work starts, since path comparison reads

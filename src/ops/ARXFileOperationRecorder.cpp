@@ -24,6 +24,11 @@ QString doesNotExistText(const Path& path) {
         .arg(ARXPath::display(ARXPath::lastComponent(path)));
 }
 
+QString changedText(const Path& path) {
+    return QCoreApplication::translate("Atrium", "“%1” has changed since it was copied.")
+        .arg(ARXPath::display(ARXPath::lastComponent(path)));
+}
+
 QString alreadyExistsText(const Path& path) {
     return QCoreApplication::translate("Atrium", "“%1” already exists.")
         .arg(ARXPath::display(ARXPath::lastComponent(path)));
@@ -130,6 +135,7 @@ void ARXFileOperationRecorder::takeRedoneTargets(ARXFileOperationRecordGroup& gr
     const Items& items = redone->second;
     for (size_t i = 0; i < group.records.size() && i < items.size(); ++i) {
         group.records[i].target = items[i]->target();
+        group.records[i].made = items[i]->made();
     }
     _redone.erase(redone);
 }
@@ -149,7 +155,8 @@ bool ARXFileOperationRecorder::perform(ARXFileOperationRecordGroup& group, Direc
                      undo ? ARXSoundEffect::file_added : ARXSoundEffect::file_removed, redone);
     case ARXFileOperationType::duplicate:
     case ARXFileOperationType::copy:
-        // Undoing a copy deletes it for good, without asking: it is only the copy.
+        // Undoing a copy puts it in the trash, never deletes it: nobody is asked, and it may hold
+        // work done since that the checks cannot see (deep inside a copied folder).
         return start(undo ? undoCopyItems(group) : redoCopyItems(group), ARXSoundEffect::file_added,
                      redone);
     case ARXFileOperationType::rename:
@@ -221,7 +228,12 @@ ARXFileOperationRecorder::undoCopyItems(const ARXFileOperationRecordGroup& group
             toast(doesNotExistText(*record.target));
             return std::nullopt;
         }
-        items.push_back(makeItem(ARXFileOperationType::remove, *record.target, std::nullopt));
+        // Only what the copy made goes: a file edited or put in its place since is the user's.
+        if (!record.made || ARXMadeItem::at(*record.target) != record.made) {
+            toast(changedText(*record.target));
+            return std::nullopt;
+        }
+        items.push_back(makeItem(ARXFileOperationType::trash, *record.target, std::nullopt));
     }
     return items;
 }

@@ -148,6 +148,7 @@ void ARXFileOperationController::runItems() {
                 continue;
             }
             perform(*item, exists, ontoItself);
+            item->noteMade(); // for an undo, to know the item again
         } catch (const ARXFileError& error) {
             onMain([error](ARXFileOperationController& self) { self.fail(error); });
             return;
@@ -200,6 +201,10 @@ void ARXFileOperationController::perform(ARXFileOperationItem& item, bool exists
         break;
     }
     case ARXFileOperationType::trash:
+        if (_deleteInstead.load() == &item) {
+            ARXFileLayer::removeFile(from); // the user's answer where no trash could take it
+            break;
+        }
         if (const std::optional<Path> trashed = ARXFileLayer::trashFile(from)) {
             item.setTarget(cloudPlaceholderTarget(from, *trashed));
         }

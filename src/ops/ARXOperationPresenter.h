@@ -54,6 +54,12 @@ public:
     askConflict(const ARXConflictQuestion& question,
                 std::function<void(ARXFileOperationConflictAction, bool applyToAll)> answer) = 0;
 
+    // The item cannot go to the trash (`reason`: its path and why): the alert says so and offers
+    // "Delete Immediately" and "Cancel"; `answer` hears true for an explicit Delete Immediately
+    // only. A presenter that does not ask shows the failure as an error and answers false.
+    virtual void askDeleteImmediately(const Path& path, const QString& reason,
+                                      std::function<void(bool deleteNow)> answer);
+
     // A blocking alert with one button "OK".
     virtual void showAlert(ARXAlertStyle style, const QString& message,
                            const QString& informativeText) = 0;

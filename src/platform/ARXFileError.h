@@ -11,8 +11,8 @@
 // layer throws it; the model keeps it (a folder's last listing failure). `code` is the number
 // the rest of Atrium tests against, the same for every file system:
 //   257 no permission to read (EACCES, EPERM while reading), 513 no permission to write,
-//   516 already exists (EEXIST), 512 an exchange that failed, -47 busy (EBUSY);
-// any other failure carries its errno as code.
+//   516 already exists (EEXIST), 512 an exchange that failed, -47 busy (EBUSY), 3328 no trash
+// on the item's volume; any other failure carries its errno as code.
 class ARXFileError : public std::exception {
 public:
     static constexpr int kNoReadPermission = 257;
@@ -20,6 +20,7 @@ public:
     static constexpr int kNoWritePermission = 513;
     static constexpr int kAlreadyExists = 516;
     static constexpr int kBusy = -47;
+    static constexpr int kNoTrash = 3328;
 
     enum class Access : uint8_t { reading, writing };
 

@@ -123,11 +123,23 @@ std::optional<Path> ARXResourceValues::readLink(const Path& path, int* error) {
 }
 
 std::optional<QStringList> ARXResourceValues::readTags(const Path& path, int* error) {
+    const std::optional<std::string> value = readTagAttribute(path, error);
+    if (!value) {
+        return std::nullopt;
+    }
+    const QStringList tags = parseTags(*value);
+    if (tags.isEmpty()) {
+        return std::nullopt;
+    }
+    return tags;
+}
+
+std::optional<std::string> ARXResourceValues::readTagAttribute(const Path& path, int* error) {
     if (error) {
         *error = 0;
     }
     if (!ARXIsKernelPath(path)) {
-        return failWith<QStringList>(error, path.empty() ? ENOENT : EINVAL);
+        return failWith<std::string>(error, path.empty() ? ENOENT : EINVAL);
     }
     std::string value;
     for (int attempt = 0; attempt < 4; ++attempt) {
@@ -135,34 +147,37 @@ std::optional<QStringList> ARXResourceValues::readTags(const Path& path, int* er
         if (size < 0) {
             const int code = errno;
             // No attribute, or no user attributes on this file system: simply no tags.
-            return failWith<QStringList>(error, code == ENODATA || code == ENOTSUP ? 0 : code);
+            if (code == ENODATA || code == ENOTSUP) {
+                return std::string();
+            }
+            return failWith<std::string>(error, code);
         }
         value.resize(size_t(size));
         const ssize_t n = ::lgetxattr(path.c_str(), kTagAttribute, value.data(), value.size());
         if (n >= 0) {
             value.resize(size_t(n));
-            const QStringList tags = parseTags(value);
-            if (tags.isEmpty()) {
-                return std::nullopt;
-            }
-            return tags;
+            return value;
+        }
+        if (errno == ENODATA) {
+            return std::string(); // removed between the two calls
         }
         if (errno != ERANGE) { // ERANGE: it grew between the two calls; ask again
-            return failWith<QStringList>(error, errno == ENODATA ? 0 : errno);
+            return failWith<std::string>(error, errno);
         }
     }
-    return failWith<QStringList>(error, ERANGE);
+    return failWith<std::string>(error, ERANGE);
 }
 
 int ARXResourceValues::setTags(const Path& path, const QStringList& tags) {
+    const std::optional<std::string> value = formatTags(tags);
+    return value ? writeTagAttribute(path, *value) : EINVAL;
+}
+
+int ARXResourceValues::writeTagAttribute(const Path& path, std::string_view value) {
     if (!ARXIsKernelPath(path)) {
         return path.empty() ? ENOENT : EINVAL;
     }
-    const std::optional<std::string> value = formatTags(tags);
-    if (!value) {
-        return EINVAL;
-    }
-    if (value->empty()) {
+    if (value.empty()) {
         // Nothing to remove is success, also where the file system has no user attributes.
         if (::lremovexattr(path.c_str(), kTagAttribute) != 0 && errno != ENODATA &&
             errno != ENOTSUP) {
@@ -170,7 +185,7 @@ int ARXResourceValues::setTags(const Path& path, const QStringList& tags) {
         }
         return 0;
     }
-    if (::lsetxattr(path.c_str(), kTagAttribute, value->data(), value->size(), 0) != 0) {
+    if (::lsetxattr(path.c_str(), kTagAttribute, value.data(), value.size(), 0) != 0) {
         return errno;
     }
     return 0;

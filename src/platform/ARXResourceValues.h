@@ -87,6 +87,12 @@ struct ARXResourceValues {
     // holds a comma (it could not be read back as one name).
     static int setTags(const Path& path, const QStringList& tags);
 
+    // The attribute's bytes as they stand, for a writer that keeps what it does not change: ""
+    // when the item has none (as readTags), nullopt with *error on a read failure.
+    static std::optional<std::string> readTagAttribute(const Path& path, int* error = nullptr);
+    // Writes the bytes as they are; empty removes the attribute. Returns 0 or an errno.
+    static int writeTagAttribute(const Path& path, std::string_view bytes);
+
     // The attribute's bytes as tag names: split at "," (and at NUL bytes, which some writers
     // leave at the end), trimmed, empty names and repeats dropped. Bytes that are not UTF-8 are
     // shown as U+FFFD.

@@ -1,5 +1,6 @@
 #include "platform/ARXTrash.h"
 
+#include "platform/ARXConsole.h"
 #include "platform/ARXFileDescriptor.h"
 #include "platform/ARXFileIO.h"
 #include "platform/ARXFileOperations.h"
@@ -202,6 +203,24 @@ int writeAll(int fd, std::string_view text) {
     return 0;
 }
 
+// Makes the info file with O_EXCL: the info file is the claim on its name, and whoever makes it
+// first owns the name. Answers 0 or the errno (EEXIST: the name is taken); a file that could not
+// be written whole is removed again.
+int claimInfo(const Path& info, std::string_view text) {
+    ARXFileDescriptor fd(::open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!fd.isValid()) {
+        return errno;
+    }
+    int err = writeAll(fd.get(), text);
+    if (!err && ::close(fd.release()) != 0) {
+        err = errno;
+    }
+    if (err) {
+        ::unlink(info.c_str());
+    }
+    return err;
+}
+
 // Where moving into `trash` stopped: the item's path there, or the errno (EXDEV: try another).
 struct MoveResult {
     int error = 0;
@@ -217,24 +236,17 @@ MoveResult moveIntoTrash(const Path& trash, const Path& path,
         const std::string name = candidateName(parent.name, n);
         const Path info = ARXPath::join(infoFolder, name + std::string(kInfoSuffix));
         const Path trashed = ARXPath::join(filesFolder, name);
-        // The info file is the claim on the name: whoever makes it first owns the name.
-        ARXFileDescriptor fd(::open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        if (!fd.isValid()) {
-            if (errno == EEXIST) {
-                continue;
-            }
-            return {errno, info};
+        int err = claimInfo(info, text);
+        if (err == EEXIST) {
+            continue;
         }
-        int err = writeAll(fd.get(), text);
-        if (!err && ::close(fd.release()) != 0) {
-            err = errno;
+        if (err) {
+            return {err, info};
         }
+        err =
+            ARXFileTree::renameNoReplace(parent.fd, parent.name.c_str(), AT_FDCWD, trashed.c_str());
         if (!err) {
-            err = ARXFileTree::renameNoReplace(parent.fd, parent.name.c_str(), AT_FDCWD,
-                                               trashed.c_str());
-            if (!err) {
-                return {0, trashed};
-            }
+            return {0, trashed};
         }
         ::unlink(info.c_str());
         if (err == EEXIST) {
@@ -250,7 +262,7 @@ MoveResult moveIntoTrash(const Path& trash, const Path& path,
 
 [[noreturn]] void refuse(int err, const Path& path) {
     const ARXFileError error = ARXFileError::fromErrno(err, path, Access::writing);
-    throw ARXFileError(error.errnum, error.code, path,
+    throw ARXFileError(error.errnum, ARXFileError::kNoTrash, path,
                        QCoreApplication::translate("Atrium", "Cannot trash on this volume (%1)")
                            .arg(error.message));
 }
@@ -289,6 +301,127 @@ std::string unescapeMountField(std::string_view field) {
         out.push_back(field[i]);
     }
     return out;
+}
+
+// The disk space a tree takes, as `du -B1` counts it: the allocated blocks of every item in it,
+// links not followed. What cannot be read is left out; the figure is a cache for other programs.
+uint64_t diskUsage(const Path& top) {
+    uint64_t total = 0;
+    std::vector<Path> pending{top};
+    while (!pending.empty()) {
+        const Path folder = std::move(pending.back());
+        pending.pop_back();
+        struct stat st {};
+        if (::lstat(folder.c_str(), &st) == 0) {
+            total += uint64_t(st.st_blocks) * 512;
+        }
+        for (const std::string& name :
+             ARXFileIO::listNames(folder).value_or(std::vector<std::string>{})) {
+            const Path item = ARXPath::join(folder, name);
+            if (::lstat(item.c_str(), &st) != 0) {
+                continue;
+            }
+            if (S_ISDIR(st.st_mode)) {
+                pending.push_back(item);
+            } else {
+                total += uint64_t(st.st_blocks) * 512;
+            }
+        }
+    }
+    return total;
+}
+
+// The lines of a "directorysizes" file are "SIZE MTIME NAME", NAME percent-encoded. Programs of
+// this process (and, between a read and the rename, others) may rewrite the file at once; the
+// lock keeps this process's own updates from losing each other.
+std::mutex& directorySizesMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+// Rewrites the trash's "directorysizes" without the line of `name`, and with `line` when given.
+void rewriteDirectorySizes(const Path& trash, const std::string& name,
+                           const std::optional<std::string>& line) {
+    const Path file = ARXPath::join(trash, "directorysizes");
+    const std::string encoded = encodePath(name);
+    std::lock_guard lock(directorySizesMutex());
+    const std::string old = ARXFileIO::readFile(file).value_or(std::string());
+    std::string text;
+    bool changed = line.has_value();
+    size_t start = 0;
+    while (start < old.size()) {
+        size_t end = old.find('\n', start);
+        end = end == std::string::npos ? old.size() : end;
+        const std::string_view entry(old.data() + start, end - start);
+        start = end + 1;
+        const size_t second = entry.find(' ', entry.find(' ') + 1);
+        if (second != std::string_view::npos && entry.substr(second + 1) == encoded) {
+            changed = true;
+            continue;
+        }
+        if (!entry.empty()) {
+            text.append(entry).push_back('\n');
+        }
+    }
+    if (!changed) {
+        return;
+    }
+    if (line) {
+        text.append(*line).push_back('\n');
+    }
+    if (const int err = ARXFileIO::writeAtomically(file, text)) {
+        ARXConsole::line(
+            QStringLiteral("Atrium: cannot update %1: %2")
+                .arg(ARXPath::display(file), QString::fromStdString(ARXFileIO::errorText(err))));
+    }
+}
+
+// A folder that has just gone into the trash under "files/NAME".
+void noteTrashedFolder(const Path& trash, const Path& trashed) {
+    const std::string name = ARXPath::lastComponent(trashed);
+    struct stat info {};
+    const Path infoFile =
+        ARXPath::join(ARXPath::join(trash, "info"), name + std::string(kInfoSuffix));
+    if (::stat(infoFile.c_str(), &info) != 0) {
+        return;
+    }
+    rewriteDirectorySizes(trash, name,
+                          std::to_string(diskUsage(trashed)) + " " +
+                              std::to_string(int64_t(info.st_mtim.tv_sec)) + " " +
+                              encodePath(name));
+}
+
+// The trash whose "files/" holds the path directly: the home trash, a "$topdir/.Trash-$uid" or
+// a "$topdir/.Trash/$uid" of this user.
+std::optional<Path> trashHolding(const Path& path) {
+    const Path files = ARXPath::parentPath(path);
+    if (ARXPath::lastComponent(files) != "files") {
+        return std::nullopt;
+    }
+    const Path trash = ARXPath::parentPath(files);
+    const std::string uid = std::to_string(::geteuid());
+    const std::string name = ARXPath::lastComponent(trash);
+    if (trash == homeTrash() || name == ".Trash-" + uid ||
+        (name == uid && ARXPath::lastComponent(ARXPath::parentPath(trash)) == ".Trash")) {
+        return trash;
+    }
+    return std::nullopt;
+}
+
+// The "Path=" value for an item from `from` that goes into `trash`: the whole path for the home
+// trash, the path below the top of the volume for a volume's own trash.
+std::string pathValueFor(const Path& trash, const Path& from) {
+    if (trash == homeTrash()) {
+        return encodePath(from);
+    }
+    const Path top = ARXPath::lastComponent(trash).starts_with(".Trash-")
+                         ? ARXPath::parentPath(trash)
+                         : ARXPath::parentPath(ARXPath::parentPath(trash));
+    std::unique_ptr<char, decltype(&std::free)> real(
+        ::realpath(ARXPath::parentPath(from).c_str(), nullptr), &std::free);
+    const Path where = real ? ARXPath::join(real.get(), ARXPath::lastComponent(from)) : from;
+    const Path prefix = top == "/" ? top : top + "/";
+    return encodePath(where.starts_with(prefix) ? where.substr(prefix.size()) : where);
 }
 
 void emptyFolder(const Path& folder, std::optional<ARXFileError>& firstError) {
@@ -358,6 +491,9 @@ Path trashItem(const Path& path) {
         if (const std::optional<Path> trash = homeTrashFor(mount)) {
             const MoveResult moved = moveIntoTrash(*trash, path, parent, encodePath(path));
             if (!moved.error) {
+                if (S_ISDIR(st.st_mode)) {
+                    noteTrashedFolder(*trash, moved.trashed);
+                }
                 return moved.trashed;
             }
             if (moved.error == ENOENT && attempt == 0) {
@@ -393,6 +529,9 @@ Path trashItem(const Path& path) {
         }
         const MoveResult moved = moveIntoTrash(*trash, path, parent, encodePath(relative));
         if (!moved.error) {
+            if (S_ISDIR(st.st_mode)) {
+                noteTrashedFolder(*trash, moved.trashed);
+            }
             return moved.trashed;
         }
         err = moved.error;
@@ -407,6 +546,46 @@ std::optional<Path> infoFileFor(const Path& trashedItem) {
     }
     return ARXPath::join(ARXPath::join(ARXPath::parentPath(files), "info"),
                          ARXPath::lastComponent(trashedItem) + std::string(kInfoSuffix));
+}
+
+void moveItem(const Path& from, const Path& to) {
+    const std::optional<Path> source = trashHolding(from);
+    const std::optional<Path> destination = trashHolding(to);
+    std::optional<Path> claimed;
+    if (destination) {
+        // An item moved within a trash keeps where it first came from.
+        const std::optional<Path> sourceInfo = source ? infoFileFor(from) : std::nullopt;
+        std::optional<std::string> text =
+            sourceInfo ? ARXFileIO::readFile(*sourceInfo, 64u << 10) : std::nullopt;
+        if (!text) {
+            text = infoText(pathValueFor(*destination, from), std::time(nullptr));
+        }
+        claimed = infoFileFor(to);
+        if (const int err = claimInfo(*claimed, *text)) {
+            fail(err, err == EEXIST ? to : *claimed, Access::writing);
+        }
+    }
+    try {
+        ARXFileOperations::moveItem(from, to);
+    } catch (const ARXFileError&) {
+        if (claimed) {
+            ::unlink(claimed->c_str());
+        }
+        throw;
+    }
+    if (source) {
+        const Path info = *infoFileFor(from);
+        if (::unlink(info.c_str()) != 0 && errno != ENOENT) {
+            const int err = errno;
+            ARXConsole::line(QStringLiteral("Atrium: cannot remove %1: %2")
+                                 .arg(ARXPath::display(info),
+                                      QString::fromStdString(ARXFileIO::errorText(err))));
+        }
+        rewriteDirectorySizes(*source, ARXPath::lastComponent(from), std::nullopt);
+    }
+    if (destination && ARXFileIO::isDirectory(to)) {
+        noteTrashedFolder(*destination, to);
+    }
 }
 
 std::vector<Path> trashFolders(const std::vector<Path>& volumeRoots) {

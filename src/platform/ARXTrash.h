@@ -22,7 +22,8 @@ namespace ARXTrash {
 // $XDG_DATA_HOME/Trash.
 Path homeTrash();
 
-// Moves the item into its trash and answers its path there, under "files/". The info file is
+// Moves the item into its trash and answers its path there, under "files/". Where no trash on the
+// item's mount can be used, throws ARXFileError::kNoTrash and the item stays. The info file is
 // made first, with O_EXCL, so that two programs trashing at once can never pick the same name:
 // "NAME", then "NAME.2", "NAME.3", ... (names too long for the info file's suffix are shortened).
 // If the item cannot be moved, its info file is removed again. Throws ARXFileError.
@@ -32,6 +33,14 @@ Path trashItem(const Path& path);
 // for whoever takes the item back out; nullopt for a path that is not directly in "files/".
 std::optional<Path> infoFileFor(const Path& trashedItem);
 
+// Moves an item as ARXFileOperations::moveItem does, keeping a trash's records in step with its
+// items, as the desktop's other programs read them: a move out of a trash's "files/" takes the
+// item's info file and its line in "directorysizes" with it, and a move straight into "files/"
+// (an item put back where the trash kept it) first writes the item's info file, naming where it
+// came from, with O_EXCL as a trash does. Throws ARXFileError; a failed move leaves no info file
+// behind.
+void moveItem(const Path& from, const Path& to);
+
 // Whether the path lies inside the items of one of this user's trashes ("files/" or "expunged/"
 // of the home trash, of a "$topdir/.Trash-$uid" or of a "$topdir/.Trash/$uid"). Removing such an
 // item is emptying the trash, where a read-only folder the user owns must not stop it.
@@ -39,6 +48,10 @@ bool isInTrash(const Path& path);
 // This user's trash folders that exist: the home trash and those at the given mount points.
 std::vector<Path> trashFolders(const std::vector<Path>& volumeRoots);
 
+// A trashed folder gets a line in its trash's "directorysizes" (its disk usage as `du -B1` counts
+// it, the modification time of its info file, its percent-encoded name), so that programs can
+// tell the trash's size without walking it; the file is rewritten whole and atomically.
+//
 // Empties "files/" and "info/" of every folder trashFolders gives (and drops the
 // "directorysizes" cache beside them). Read-only folders of the user's own in the trash are made
 // writable so that they can be emptied. Goes on past an item that cannot be removed and throws

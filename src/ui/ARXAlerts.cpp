@@ -9,6 +9,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <memory>
 
 namespace ARXAlerts {
 
@@ -175,6 +176,32 @@ void confirmDelete(QWidget* parent, int count, const QString& name,
 bool execConfirmDelete(QWidget* parent, int count, const QString& name) {
     QMessageBox* box = makeDeleteConfirmation(parent, count, name);
     return execAndAsk(box, proceedButton(box));
+}
+
+QMessageBox* makeDeleteImmediatelyQuestion(QWidget* parent, const QString& name,
+                                           const QString& reason) {
+    QMessageBox* box = makeBox(
+        parent, QMessageBox::Warning, tr("“%1” can’t be moved to the Trash.").arg(name),
+        reason + u'\n' + tr("Do you want to delete it immediately? You can’t undo this action."));
+    addProceedAndCancel(box, tr("Delete Immediately"));
+    // As before any deletion for good, Return cancels.
+    box->setDefaultButton(qobject_cast<QPushButton*>(box->escapeButton()));
+    return box;
+}
+
+void askDeleteImmediately(QWidget* parent, const QString& name, const QString& reason,
+                          std::function<void(bool deleteNow)> answer) {
+    QMessageBox* box = makeDeleteImmediatelyQuestion(parent, name, reason);
+    // A batch waits for this answer: a window closing under the question answers Cancel.
+    auto answered = std::make_shared<bool>(false);
+    auto once = [answered, answer = std::move(answer)](bool deleteNow) {
+        if (!*answered) {
+            *answered = true;
+            answer(deleteNow);
+        }
+    };
+    QObject::connect(box, &QObject::destroyed, [once] { once(false); });
+    confirm(box, once);
 }
 
 QMessageBox* makeEmptyTrashConfirmation(QWidget* parent) {

@@ -41,6 +41,14 @@ void confirmDelete(QWidget* parent, int count, const QString& name,
                    std::function<void(bool proceed)> answer);
 bool execConfirmDelete(QWidget* parent, int count, const QString& name);
 
+// An item that cannot go to the trash, since its volume has none: "“NAME” can’t be moved to the
+// Trash." with the failure (path and reason). Buttons "Delete Immediately" then "Cancel"; Return
+// and Escape answer Cancel, and only Delete Immediately answers true.
+QMessageBox* makeDeleteImmediatelyQuestion(QWidget* parent, const QString& name,
+                                           const QString& reason);
+void askDeleteImmediately(QWidget* parent, const QString& name, const QString& reason,
+                          std::function<void(bool deleteNow)> answer);
+
 // Before emptying the Trash. Buttons "Empty Trash" (Return) then "Cancel" (Escape).
 QMessageBox* makeEmptyTrashConfirmation(QWidget* parent);
 void confirmEmptyTrash(QWidget* parent, std::function<void(bool proceed)> answer);

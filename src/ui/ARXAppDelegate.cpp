@@ -60,7 +60,7 @@ ARXAppDelegate::~ARXAppDelegate() {
 }
 
 void ARXAppDelegate::applicationDidFinishLaunching() {
-    ARXAppearance::apply(ARXConf::settings_appearance().value());
+    ARXAppearance::apply(ARXConf::appearanceToApply());
     // The services start in this order; each loads its own files at first use. Analytics, the
     // application index, hotkeys and quick launchers join here as they arrive.
     ARXEntryPointManager::shared().refreshHomePoints();

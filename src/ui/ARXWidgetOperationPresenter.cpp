@@ -53,6 +53,14 @@ void ARXWidgetOperationPresenter::askConflict(
     ARXConflictDialog::ask(question, std::move(answer), over);
 }
 
+void ARXWidgetOperationPresenter::askDeleteImmediately(const Path& path, const QString& reason,
+                                                       std::function<void(bool)> answer) {
+    // Over the sheet, as a conflict is: the batch waits for the answer.
+    QWidget* over = _sheet && _sheet->isVisible() ? static_cast<QWidget*>(_sheet) : _window.data();
+    ARXAlerts::askDeleteImmediately(over, ARXPath::display(ARXPath::lastComponent(path)), reason,
+                                    std::move(answer));
+}
+
 void ARXWidgetOperationPresenter::showAlert(ARXAlertStyle style, const QString& message,
                                             const QString& informativeText) {
     // Over the window, not the sheet: an engine alerts and then dismisses its sheet at once.

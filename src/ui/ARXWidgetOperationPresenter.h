@@ -23,6 +23,8 @@ public:
     void askConflict(
         const ARXConflictQuestion& question,
         std::function<void(ARXFileOperationConflictAction, bool applyToAll)> answer) override;
+    void askDeleteImmediately(const Path& path, const QString& reason,
+                              std::function<void(bool deleteNow)> answer) override;
     void showAlert(ARXAlertStyle style, const QString& message,
                    const QString& informativeText) override;
     void showToast(const QString& text) override;

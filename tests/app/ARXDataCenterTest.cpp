@@ -96,6 +96,31 @@ TEST_F(ARXDataCenterTest, BadFilesLoadAsNothingAndAreLeftAlone) {
     EXPECT_FALSE(center().load(ARXPath::join(center().spacePath, "missing.atx")));
 }
 
+TEST_F(ARXDataCenterTest, AnUnusableFileIsSetAsideBeforeTheWorkspaceIsSavedAgain) {
+    const std::string bad = "{\"frame\": [[0, 0], [10";
+    writeSpace("w.atx", bad);
+    const Path file = center().path(QStringLiteral("w"));
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(center().load(file));
+    EXPECT_EQ(readFile(file), bad); // opening alone changes nothing on disk
+    ASSERT_TRUE(center().save(QStringLiteral("w"), ARXDataCenter::emptyWorkspace()));
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(readFile(file + ".broken"), bad);
+    EXPECT_TRUE(center().load(file).has_value());
+    EXPECT_TRUE(said.find("Atrium: workspace file " + file + " cannot be used (not valid JSON") !=
+                std::string::npos)
+        << said;
+    EXPECT_TRUE(said.find("kept as " + file + ".broken") != std::string::npos) << said;
+
+    // Saved again, the good file is simply replaced; an empty file holds nothing to keep.
+    ASSERT_TRUE(center().save(QStringLiteral("w"), ARXDataCenter::emptyWorkspace()));
+    EXPECT_FALSE(ARXFileIO::exists(file + ".broken-2"));
+    writeSpace("e.atx", "\n");
+    EXPECT_FALSE(center().load(center().path(QStringLiteral("e"))));
+    ASSERT_TRUE(center().save(QStringLiteral("e"), ARXDataCenter::emptyWorkspace()));
+    EXPECT_FALSE(ARXFileIO::exists(center().path(QStringLiteral("e")) + ".broken"));
+}
+
 TEST_F(ARXDataCenterTest, SaveFailureKeepsThePreviousFile) {
     ASSERT_TRUE(center().save(QStringLiteral("w"), ARXDataCenter::emptyWorkspace()));
     const std::string before = readFile(center().path(QStringLiteral("w")));

@@ -1,5 +1,6 @@
 #include "app/ARXSettingsStore.h"
 
+#include "app/ARXConf.h"
 #include "app/ARXOption.h"
 #include "app/ARXSecureOption.h"
 #include "platform/ARXFileIO.h"
@@ -123,6 +124,18 @@ TEST_F(ARXSettingsStoreTest, WrongTypesFallBackToTheDefaultAndStayStored) {
     EXPECT_EQ(saved.value("flag"), QJsonValue("yes"));
     EXPECT_EQ(saved.value("names"), QJsonArray({"a", 1}));
     EXPECT_EQ(saved.value("other"), QJsonValue(5));
+}
+
+TEST_F(ARXSettingsStoreTest, AppearanceZeroIsRemovedWhenItIsAppliedAtLaunch) {
+    writeFile(file(), R"({"settings_appearance": 0, "settings_default_layout": 3})");
+    ARXSettingsStore::shared().reload();
+    EXPECT_EQ(ARXConf::appearanceToApply(), 0);
+    EXPECT_FALSE(fileObject().contains("settings_appearance"));
+    EXPECT_EQ(fileObject().value("settings_default_layout"), QJsonValue(3));
+
+    ARXConf::storeAppearance(2);
+    EXPECT_EQ(ARXConf::appearanceToApply(), 2);
+    EXPECT_EQ(fileObject().value("settings_appearance"), QJsonValue(2));
 }
 
 TEST_F(ARXSettingsStoreTest, ValuesSurviveARoundTripThroughTheFile) {

@@ -1,6 +1,7 @@
 #include "model/ARXFileTagManager.h"
 
 #include "app/ARXNotificationNames.h"
+#include "app/ARXStoredNumber.h"
 #include "model/ARXFileEntry.h"
 #include "platform/ARXNotificationCenter.h"
 #include "platform/ARXResourceValues.h"
@@ -22,7 +23,7 @@ protected:
 
 TEST_F(ARXFileTagManagerTest, ReadsColourNumbersAndSkipsIncompleteEntries) {
     writeFile(table(), R"([{"n": "Work", "l": 4}, {"n": "Plain", "l": 0}, {"n": "NoNumber"},
-                          {"l": 6}, "junk", {"n": "Urgent", "l": 6}])");
+                          {"l": 6}, "junk", {"n": "Urgent", "l": 6}, {"n": "Huge", "l": 1e300}])");
     ARXFileTagManager manager(table());
     manager.refresh();
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Work")), 4);
@@ -30,6 +31,7 @@ TEST_F(ARXFileTagManagerTest, ReadsColourNumbersAndSkipsIncompleteEntries) {
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Plain")), 0);
     EXPECT_EQ(manager.colorIndex(QStringLiteral("NoNumber")), 0);
     EXPECT_EQ(manager.colorIndex(QStringLiteral("Unknown")), 0);
+    EXPECT_EQ(manager.colorIndex(QStringLiteral("Huge")), int(ARXStoredNumber::kLimit));
     EXPECT_EQ(manager.colors()[4], 0x438DF8u);
     EXPECT_EQ(ARXFileTagManager::labelNames().size(), 7);
 }
@@ -84,6 +86,28 @@ TEST_F(ARXFileTagManagerTest, SetTagsWritesAndAnnouncesOnlyOnSuccess) {
 
     EXPECT_NE(manager.setTags(ARXPath::join(root(), "missing"), tags), 0);
     EXPECT_EQ(posts, 1);
+}
+
+TEST_F(ARXFileTagManagerTest, TagsLeftAsTheyWereKeepTheBytesOtherProgramsWrote) {
+    const Path file = ARXPath::join(root(), "tagged");
+    writeFile(file, "x");
+    // A byte-order mark, a name that is not UTF-8 with blanks around it, and one to remove.
+    const std::string foreign = "\xEF\xBB\xBFWork, caf\xE9 ,Old";
+    if (ARXResourceValues::writeTagAttribute(file, foreign) == ENOTSUP) {
+        GTEST_SKIP() << "this file system keeps no user extended attributes";
+    }
+    ARXFileTagManager manager(table());
+    QStringList tags = ARXResourceValues::readTags(file).value_or(QStringList());
+    ASSERT_EQ(tags.size(), 3);
+    tags.removeAll(QStringLiteral("Old"));
+    tags.append(QStringLiteral("Ünï"));
+    ASSERT_EQ(manager.setTags(file, tags), 0);
+    EXPECT_EQ(ARXResourceValues::readTagAttribute(file),
+              "\xEF\xBB\xBFWork, caf\xE9 ,\xC3\x9Cn\xC3\xAF");
+
+    EXPECT_EQ(manager.setTags(file, {QStringLiteral("a,b")}), EINVAL);
+    ASSERT_EQ(manager.setTags(file, {}), 0);
+    EXPECT_EQ(ARXResourceValues::readTagAttribute(file), "");
 }
 
 TEST_F(ARXFileTagManagerTest, TheSharedManagerColoursEntriesFromTheDataRootTable) {

@@ -55,10 +55,17 @@ protected:
         heard.clear();
         std::thread worker(call);
         worker.join();
-        EXPECT_TRUE(waitUntil([this] { return !heard.empty(); }));
-        spin(20);
+        waitForWhatWasPosted();
         EXPECT_EQ(heard.size(), 1u);
         return heard.empty() ? Heard{} : heard.front();
+    }
+
+    // Whatever was posted to the main queue until now has been delivered once a call queued now
+    // has run: the queue keeps its order, from every thread.
+    static void waitForWhatWasPosted() {
+        bool reached = false;
+        ARXMainQueue::async([&reached] { reached = true; });
+        EXPECT_TRUE(waitUntil([&reached] { return reached; }));
     }
 
     static QString stored(const Path& path) { return ARXPath::toStoredText(path); }
@@ -126,7 +133,7 @@ TEST_F(ARXFileLayerTest, FailuresComeThroughAndPostNothing) {
     EXPECT_THROW(ARXFileLayer::moveFile(at("a.txt"), at("b.txt")), ARXFileError);
     EXPECT_THROW(ARXFileLayer::removeFile(at("missing")), ARXFileError);
     EXPECT_THROW(ARXFileLayer::trashFile(at("missing")), ARXFileError);
-    spin(50);
+    waitForWhatWasPosted();
     EXPECT_TRUE(heard.empty());
     EXPECT_EQ(readFile(at("b.txt")), "b");
 }
@@ -172,6 +179,6 @@ TEST_F(ARXFileLayerTest, ACloudTrashNameTakenByAFileMovesNothing) {
 
     EXPECT_EQ(ARXFileLayer::trashFile(ARXPath::join(drive, "doc.txt")), std::nullopt);
     EXPECT_EQ(readFile(ARXPath::join(drive, "doc.txt")), "doc");
-    spin(50);
+    waitForWhatWasPosted();
     EXPECT_TRUE(heard.empty());
 }

@@ -189,7 +189,7 @@ TEST_F(ARXFileOperationConflictTest, ADestinationGoneWhileAskingIsNoConflictAnyM
     ASSERT_TRUE(waitUntil([&] { return presenter.pending != nullptr; }));
     ::unlink(at("dst/a").c_str());
     presenter.answer(Action::keepBoth, false);
-    ASSERT_TRUE(waitUntil([&] { return controller->ended(); }));
+    ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(controller->items()[0]->target(), at("dst/a"));
     EXPECT_EQ(readFile(at("dst/a")), "new a");
 }

@@ -3,6 +3,7 @@
 #include "ARXFileOperationFixture.h"
 #include "app/ARXConf.h"
 #include "platform/ARXDirectoryReader.h"
+#include "support/ARXScratchMount.h"
 #include "support/ARXTreeSnapshot.h"
 
 #include <QCoreApplication>
@@ -194,12 +195,71 @@ TEST_F(ARXFileOperationControllerTest, AnErrorEndsTheBatchWithAnAlertAndNothingM
     EXPECT_TRUE(recorded().empty());
     EXPECT_FALSE(controller->items()[1]->failed);
 
-    // The progress tick stopped with the batch.
+    // The progress tick stopped with the batch: a tick still pending at the end fires within one
+    // interval (0.1 s), and one that rearmed itself would fire again before a mark queued three
+    // intervals after the end.
     const size_t updates = presenter.updates.size();
     const size_t progressed = delegate.progressed.size();
-    spin(350);
+    bool marked = false;
+    ARXMainQueue::after(0.3, [&marked] { marked = true; });
+    ASSERT_TRUE(waitUntil([&] { return marked; }));
     EXPECT_EQ(presenter.updates.size(), updates);
     EXPECT_EQ(delegate.progressed.size(), progressed);
+}
+
+TEST_F(ARXFileOperationControllerTest, EndedComesOnceAfterEverythingTheEndDoes) {
+    writeFile(at("a.txt"), "a");
+    makeFolder(at("dst"));
+    const size_t records = recorded().size();
+    std::weak_ptr<ARXFileOperationController> weak;
+    size_t soundsHeard = 0, recordsHeard = 0;
+    {
+        auto controller =
+            begin({item(Type::copy, at("a.txt"), at("dst/a.txt"))}, ARXSoundEffect::file_added);
+        QObject::connect(controller.get(), &ARXFileOperationController::ended, [&] {
+            soundsHeard = sounds.size();
+            recordsHeard = recorded().size();
+        });
+        weak = controller;
+        ASSERT_TRUE(waitForEnd());
+    }
+    EXPECT_EQ(soundsHeard, 1u);
+    EXPECT_EQ(recordsHeard, records + 1);
+    // Once: nothing more is heard up to the controller's end.
+    ASSERT_TRUE(waitUntil([&] { return weak.expired(); }));
+    EXPECT_EQ(endSpy->count(), 1);
+}
+
+TEST_F(ARXFileOperationControllerTest, WhereNoTrashCanBeMadeOnlyAnExplicitChoiceDeletes) {
+    ARXScratchMount volume(at("volume"), "8m");
+    if (!volume.mounted()) {
+        GTEST_SKIP() << "no second file system: " << volume.error();
+    }
+    auto on = [&](const char* name) { return ARXPath::join(volume.path(), name); };
+    writeFile(on((".Trash-" + std::to_string(::geteuid())).c_str()), "a file, not a folder");
+    for (const char* name : {"a.txt", "b.txt", "c.txt"}) {
+        writeFile(on(name), name);
+    }
+
+    // Nobody to ask: nothing is deleted.
+    run({item(Type::trash, on("a.txt"))}, ARXSoundEffect::silence, true, false);
+    EXPECT_EQ(readFile(on("a.txt")), "a.txt");
+
+    presenter.deleteAnswers = {true, false};
+    auto controller = run({item(Type::trash, on("a.txt")), item(Type::trash, on("b.txt")),
+                           item(Type::trash, on("c.txt"))});
+    ASSERT_EQ(presenter.deletionQuestions.size(), 2u);
+    EXPECT_EQ(presenter.deletionQuestions[0].first, on("a.txt"));
+    EXPECT_TRUE(presenter.deletionQuestions[0].second.contains(ARXPath::display(on("a.txt"))));
+    EXPECT_EQ(presenter.deletionQuestions[1].first, on("b.txt"));
+    // Delete Immediately deleted the first; Cancel kept the second and ended the batch there.
+    EXPECT_FALSE(exists(on("a.txt")));
+    EXPECT_EQ(controller->items()[0]->target(), std::nullopt);
+    EXPECT_EQ(readFile(on("b.txt")), "b.txt");
+    EXPECT_EQ(readFile(on("c.txt")), "c.txt");
+    EXPECT_TRUE(presenter.alerts.empty()) << "the question stands in place of the error";
+    EXPECT_FALSE(controller->finished());
+    EXPECT_EQ(presenter.dismissed, 1);
 }
 
 // Measuring only sets the progress. A folder it cannot read stops nothing that can succeed: a
@@ -416,7 +476,7 @@ TEST_F(ARXFileOperationControllerTest, ProgressIsMeasuredOnDiskWhileTheCopyRuns)
         ::write(fan, &response, sizeof response);
         ::close(held);
     }
-    EXPECT_TRUE(waitUntil([&] { return controller->ended(); }, 10000));
+    EXPECT_TRUE(waitForEnd());
     stop = true;
     gate.join();
     ::close(fan); // lets any open still waiting through

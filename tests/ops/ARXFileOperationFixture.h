@@ -6,6 +6,8 @@
 #include "platform/ARXSoundPlayer.h"
 #include "support/ARXTestEnvironment.h"
 
+#include <QSignalSpy>
+
 #include <deque>
 #include <memory>
 #include <string>
@@ -42,6 +44,16 @@ public:
         alerts.push_back({style, message, informativeText});
     }
     void showToast(const QString& text) override { toasts.push_back(text); }
+    // Answers from deleteAnswers, Cancel when none is left.
+    void askDeleteImmediately(const Path& path, const QString& reason,
+                              std::function<void(bool)> reply) override {
+        deletionQuestions.push_back({path, reason});
+        const bool deleteNow = !deleteAnswers.empty() && deleteAnswers.front();
+        if (!deleteAnswers.empty()) {
+            deleteAnswers.pop_front();
+        }
+        ARXMainQueue::async([reply, deleteNow] { reply(deleteNow); });
+    }
 
     void answer(ARXFileOperationConflictAction action, bool applyToAll) {
         auto reply = std::move(pending);
@@ -57,6 +69,8 @@ public:
     std::vector<QString> toasts;
     std::deque<Answer> answers;
     std::function<void(ARXFileOperationConflictAction, bool)> pending;
+    std::vector<std::pair<Path, QString>> deletionQuestions;
+    std::deque<bool> deleteAnswers;
 };
 
 // A delegate that writes down its calls, in order.
@@ -115,11 +129,11 @@ protected:
                                                     bool recordable = true,
                                                     bool withPresenter = true) {
         auto controller = begin(std::move(items), sound, recordable, withPresenter);
-        EXPECT_TRUE(waitUntil([&] { return controller->ended(); }, 10000));
+        EXPECT_TRUE(waitForEnd());
         return controller;
     }
 
-    // Starts the batch and returns at once.
+    // Starts the batch and returns at once; waitForEnd() waits for its end.
     std::shared_ptr<ARXFileOperationController>
     begin(std::vector<ARXFileOperationItemRef> items,
           ARXSoundEffect sound = ARXSoundEffect::silence, bool recordable = true,
@@ -127,8 +141,15 @@ protected:
         auto controller = std::make_shared<ARXFileOperationController>(
             std::move(items), sound, recordable, withPresenter ? &presenter : nullptr);
         controller->setDelegate(&delegate);
+        // Listening before the start: the end cannot be missed, however soon it comes.
+        endSpy = std::make_unique<QSignalSpy>(controller.get(), &ARXFileOperationController::ended);
         controller->start();
         return controller;
+    }
+
+    // Whether the last batch begun has ended (at once if it already has).
+    bool waitForEnd(int timeoutMs = 10000) const {
+        return endSpy && (!endSpy->isEmpty() || endSpy->wait(timeoutMs));
     }
 
     static const std::vector<ARXFileOperationRecorder::GroupRef>& recorded() {
@@ -138,4 +159,5 @@ protected:
     ARXScriptedPresenter presenter;
     ARXRecordingDelegate delegate;
     std::vector<ARXSoundEffect> sounds;
+    std::unique_ptr<QSignalSpy> endSpy;
 };

@@ -8,6 +8,7 @@
 #include "support/ARXTreeSnapshot.h"
 
 #include <QDateTime>
+#include <QSignalSpy>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -36,13 +37,14 @@ protected:
     Path at(std::string_view name) const { return ARXPath::join(root(), name); }
 
     // A group of one kind, one record per pair; a pair without a target stands for an item the
-    // engine left nowhere known.
+    // engine left nowhere known. What stands at each target now is what the operation made.
     static ARXFileOperationRecordGroupRef
     group(ARXFileOperationType action, std::vector<std::pair<Path, std::optional<Path>>> pairs) {
         auto made = std::make_shared<ARXFileOperationRecordGroup>();
         made->action = action;
         for (auto& [source, target] : pairs) {
-            made->records.push_back({source, target, QDateTime::currentDateTime()});
+            made->records.push_back({source, target, QDateTime::currentDateTime(),
+                                     target ? ARXMadeItem::at(*target) : std::nullopt});
         }
         return made;
     }
@@ -182,7 +184,7 @@ TEST_F(ARXFileOperationRecorderTest, WithoutAMainWindowBatchesStillRunAndNothing
     EXPECT_TRUE(presenter.toasts.isEmpty());
 }
 
-TEST_F(ARXFileOperationRecorderTest, UndoOfACopyRemovesTheCopiesAndRedoCopiesAgain) {
+TEST_F(ARXFileOperationRecorderTest, UndoOfACopyTrashesTheCopiesAndRedoCopiesAgain) {
     writeFile(at("a.txt"), "a");
     writeFile(at("dest/a.txt"), "a");
     writeFile(at("a copy.txt"), "a");
@@ -195,7 +197,7 @@ TEST_F(ARXFileOperationRecorderTest, UndoOfACopyRemovesTheCopiesAndRedoCopiesAga
     for (const ARXUndoBatch& batch : batches) {
         EXPECT_EQ(batch.sound, ARXSoundEffect::file_added);
         ASSERT_EQ(batch.items.size(), 1u);
-        EXPECT_EQ(batch.items[0]->type, ARXFileOperationType::remove);
+        EXPECT_EQ(batch.items[0]->type, ARXFileOperationType::trash);
         EXPECT_EQ(batch.items[0]->to, std::nullopt);
     }
     EXPECT_EQ(batches[0].items[0]->from, at("a copy.txt"));
@@ -263,6 +265,40 @@ TEST_F(ARXFileOperationRecorderTest, UndoOfACopyWithASecondTargetMissingRemovesN
     EXPECT_TRUE(exists(at("dest/a")));
     EXPECT_TRUE(exists(at("dest/c")));
     expectHistoryGone();
+}
+
+TEST_F(ARXFileOperationRecorderTest, UndoOfACopyChangedSinceLeavesItAndDropsTheHistory) {
+    writeFile(at("a.txt"), "a");
+    writeFile(at("edited.txt"), "a");
+    writeFile(at("replaced.txt"), "a");
+    auto copied = [&](const char* name) {
+        return group(ARXFileOperationType::copy, {{at("a.txt"), at(name)}});
+    };
+    const ARXFileOperationRecordGroupRef edited = copied("edited.txt");
+    const ARXFileOperationRecordGroupRef replaced = copied("replaced.txt");
+    struct stat before {};
+    ASSERT_EQ(::lstat(at("replaced.txt").c_str(), &before), 0);
+
+    writeFile(at("edited.txt"), "edited by hand");
+    // Another file of the same size and time in its place: only the inode tells.
+    writeFile(at("other.txt"), "b");
+    const timespec times[2] = {before.st_atim, before.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, at("other.txt").c_str(), times, 0), 0);
+    ASSERT_EQ(::rename(at("other.txt").c_str(), at("replaced.txt").c_str()), 0);
+
+    for (const auto& [changed, name] :
+         {std::pair{edited, "edited.txt"}, std::pair{replaced, "replaced.txt"}}) {
+        presenter.toasts.clear();
+        recorder().add(changed);
+        recorder().undo();
+        EXPECT_TRUE(batches.empty()) << name;
+        EXPECT_EQ(presenter.toasts,
+                  QStringList{QStringLiteral("“%1” has changed since it was copied.").arg(name)});
+        expectHistoryGone();
+        EXPECT_TRUE(exists(at(name)));
+    }
+    EXPECT_EQ(readFile(at("edited.txt")), "edited by hand");
+    EXPECT_EQ(readFile(at("replaced.txt")), "b");
 }
 
 TEST_F(ARXFileOperationRecorderTest, SilentFailuresSayNothingButDropTheHistory) {
@@ -418,22 +454,44 @@ protected:
 
     Path at(std::string_view name) const { return ARXPath::join(root(), name); }
 
+    void TearDown() override {
+        recorder().setBatchStarter({});
+        ARXTestEnvironment::TearDown();
+    }
+
     // Runs a batch the way a pane does, recorded, and waits until it is in the history.
     void runRecorded(ARXFileOperationType type, const Path& from, std::optional<Path> to = {}) {
         const size_t before = recorder().records().size();
-        auto controller = std::make_shared<ARXFileOperationController>(
-            std::vector{std::make_shared<ARXFileOperationItem>(type, from, std::move(to))},
-            ARXSoundEffect::file_added, true, &presenter);
-        controller->start();
-        ASSERT_TRUE(waitUntil([&] { return recorder().records().size() == before + 1; }));
+        run({std::make_shared<ARXFileOperationItem>(type, from, std::move(to))},
+            ARXSoundEffect::file_added, true);
+        ASSERT_EQ(recorder().records().size(), before + 1);
     }
 
     // Undoes or redoes one step whose batch runs on the engine, and waits for it to end.
     void step(void (ARXFileOperationRecorder::*call)()) {
-        const int dismissed = presenter.dismissed;
+        ended.reset();
+        recorder().setBatchStarter([this](ARXUndoBatch batch) {
+            run(std::move(batch.items), batch.sound, batch.recordable);
+        });
         (recorder().*call)();
-        ASSERT_TRUE(waitUntil([&] { return presenter.dismissed == dismissed + 1; }));
+        recorder().setBatchStarter({});
+        ASSERT_TRUE(ended);
+        ASSERT_TRUE(!ended->isEmpty() || ended->wait(10000));
     }
+
+    // Starts a batch on the engine as the recorder does, listening for its end from before its
+    // start.
+    void run(std::vector<ARXFileOperationItemRef> items, ARXSoundEffect sound, bool recordable) {
+        auto controller = std::make_shared<ARXFileOperationController>(std::move(items), sound,
+                                                                       recordable, &presenter);
+        ended = std::make_unique<QSignalSpy>(controller.get(), &ARXFileOperationController::ended);
+        controller->start();
+        if (recordable) {
+            ASSERT_TRUE(ended->wait(10000));
+        }
+    }
+
+    std::unique_ptr<QSignalSpy> ended;
 
     ARXUndoTestPresenter presenter;
     ARXMainPresenterScope scope{&presenter};
@@ -456,16 +514,22 @@ TEST_F(ARXFileOperationUndoTest, TrashThenUndoGivesBackTheSameBytesModeAndTime) 
     ASSERT_TRUE(trashed.has_value());
     EXPECT_EQ(ARXTreeSnapshot(*trashed), before);
 
+    const Path info = ARXPath::join(dataHome(), "Trash/info/doc.trashinfo");
+    EXPECT_TRUE(exists(info));
+
     step(&ARXFileOperationRecorder::undo);
     EXPECT_EQ(ARXTreeSnapshot(at("doc")), before);
     EXPECT_FALSE(exists(*trashed));
+    EXPECT_FALSE(exists(info)) << "no record of an item the trash no longer holds";
 
     // A redo puts it back where the trash keeps it, and a second undo brings it home again.
     step(&ARXFileOperationRecorder::redo);
     EXPECT_FALSE(exists(at("doc")));
     EXPECT_EQ(ARXTreeSnapshot(*trashed), before);
+    EXPECT_TRUE(readFile(info).find("\nPath=" + at("doc") + "\n") != std::string::npos);
     step(&ARXFileOperationRecorder::undo);
     EXPECT_EQ(ARXTreeSnapshot(at("doc")), before);
+    EXPECT_FALSE(exists(info));
     EXPECT_TRUE(presenter.alerts.empty());
     EXPECT_EQ(recorder().recordIndex(), -1);
 }
@@ -487,7 +551,7 @@ TEST_F(ARXFileOperationUndoTest, AMoveIsUndoneAndRedone) {
     EXPECT_EQ(recorder().records().size(), 1u);
 }
 
-TEST_F(ARXFileOperationUndoTest, UndoOfACopyDeletesTheCopyOnly) {
+TEST_F(ARXFileOperationUndoTest, UndoOfACopyPutsTheCopyInTheTrash) {
     writeFile(at("a.txt"), "a");
     makeFolder(at("dest"));
     runRecorded(ARXFileOperationType::copy, at("a.txt"), at("dest/a.txt"));
@@ -497,6 +561,7 @@ TEST_F(ARXFileOperationUndoTest, UndoOfACopyDeletesTheCopyOnly) {
     EXPECT_FALSE(exists(at("dest/a.txt")));
     EXPECT_EQ(readFile(at("a.txt")), "a");
     EXPECT_TRUE(exists(at("dest")));
+    EXPECT_EQ(readFile(ARXPath::join(dataHome(), "Trash/files/a.txt")), "a");
 }
 
 TEST_F(ARXFileOperationUndoTest, ARedoneDuplicateTakesTheNextFreeNameAndItsUndoRemovesThatOne) {

@@ -100,6 +100,61 @@ TEST_F(ARXTrashTest, SameNamesGetTheirOwnNamesAndOddNamesAreEncoded) {
     EXPECT_EQ(ARXTrash::decodePath(value), odd);
 }
 
+TEST_F(ARXTrashTest, MovesOutOfAndBackIntoTheTrashKeepItsInfoFilesRight) {
+    writeFile(at("docs/report.txt"), "figures");
+    const Path trashed = ARXFileOperations::trashItem(at("docs/report.txt"));
+    const Path info = *ARXTrash::infoFileFor(trashed);
+
+    // Taken back out: no info file stays behind, so the name is free for the next one.
+    ARXTrash::moveItem(trashed, at("docs/report.txt"));
+    EXPECT_EQ(readFile(at("docs/report.txt")), "figures");
+    EXPECT_FALSE(exists(info));
+    writeFile(at("other/report.txt"), "other");
+    EXPECT_EQ(ARXFileOperations::trashItem(at("other/report.txt")), trashed);
+
+    // Put back into a free name of the trash: its info file says where it came from.
+    const Path again = ARXPath::join(trash(), "files/report.txt.2");
+    ARXTrash::moveItem(at("docs/report.txt"), again);
+    EXPECT_EQ(infoValue(readFile(*ARXTrash::infoFileFor(again)), "Path"), at("docs/report.txt"));
+    // A name whose info file is taken is refused, and nothing moves.
+    writeFile(at("docs/report.txt"), "new");
+    writeFile(ARXPath::join(trash(), "info/report.txt.3.trashinfo"), "[Trash Info]\n");
+    EXPECT_THROW(
+        ARXTrash::moveItem(at("docs/report.txt"), ARXPath::join(trash(), "files/report.txt.3")),
+        ARXFileError);
+    EXPECT_EQ(readFile(at("docs/report.txt")), "new");
+    EXPECT_EQ(readFile(ARXPath::join(trash(), "info/report.txt.3.trashinfo")), "[Trash Info]\n");
+
+    // Anywhere else a move is only a move.
+    makeFolder(at("files"));
+    ARXTrash::moveItem(at("docs/report.txt"), at("files/report.txt"));
+    EXPECT_FALSE(exists(at("info")));
+}
+
+TEST_F(ARXTrashTest, TrashedFoldersAreListedInDirectorySizes) {
+    writeFile(at("folder/a.bin"), std::string(10000, 'a'));
+    writeFile(at("folder/sub/b.bin"), std::string(5000, 'b'));
+    writeFile(at("plain.txt"), "a file has no line");
+    const Path sizes = ARXPath::join(trash(), "directorysizes");
+    writeFile(sizes, "4096 1600000000 kept%20by%20another\n");
+    uint64_t usage = 0;
+    for (const char* name : {"folder", "folder/a.bin", "folder/sub", "folder/sub/b.bin"}) {
+        struct stat st {};
+        ASSERT_EQ(::lstat(at(name).c_str(), &st), 0);
+        usage += uint64_t(st.st_blocks) * 512;
+    }
+
+    ARXFileOperations::trashItem(at("plain.txt"));
+    const Path trashed = ARXFileOperations::trashItem(at("folder"));
+    struct stat info {};
+    ASSERT_EQ(::stat(ARXTrash::infoFileFor(trashed)->c_str(), &info), 0);
+    EXPECT_EQ(readFile(sizes), "4096 1600000000 kept%20by%20another\n" + std::to_string(usage) +
+                                   " " + std::to_string(info.st_mtim.tv_sec) + " folder\n");
+
+    ARXTrash::moveItem(trashed, at("folder"));
+    EXPECT_EQ(readFile(sizes), "4096 1600000000 kept%20by%20another\n");
+}
+
 TEST_F(ARXTrashTest, NamesTooLongForTheInfoFileAreShortened) {
     const std::string name(240, 'n');
     writeFile(at(name), "long");

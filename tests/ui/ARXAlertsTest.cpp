@@ -97,6 +97,41 @@ TEST_F(ARXAlertsTest, DeleteComesBeforeCancelAndOnlyDeleteProceeds) {
     EXPECT_TRUE(*heard);
 }
 
+TEST_F(ARXAlertsTest, AnItemNoTrashCanTakeIsDeletedOnlyByAnExplicitChoice) {
+    const QString reason = QStringLiteral("“/media/stick/a.txt”: Cannot trash on this volume");
+    std::optional<bool> heard;
+    auto ask = [&] {
+        heard.reset();
+        ARXAlerts::askDeleteImmediately(&window, QStringLiteral("a.txt"), reason,
+                                        [&](bool deleteNow) { heard = deleteNow; });
+        return shownBox();
+    };
+    QMessageBox* box = ask();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->text(), QStringLiteral("“a.txt” can’t be moved to the Trash."));
+    EXPECT_TRUE(box->informativeText().startsWith(reason));
+    QPushButton* remove = buttonNamed(box, QStringLiteral("Delete Immediately"));
+    QPushButton* cancel = buttonNamed(box, QStringLiteral("Cancel"));
+    ASSERT_TRUE(remove && cancel);
+    EXPECT_TRUE(cancel->isDefault());
+    QTest::keyClick(box, Qt::Key_Return);
+    ASSERT_TRUE(waitUntil([&] { return heard.has_value(); }));
+    EXPECT_FALSE(*heard);
+
+    box = ask();
+    ASSERT_NE(box, nullptr);
+    QTest::mouseClick(buttonNamed(box, QStringLiteral("Delete Immediately")), Qt::LeftButton);
+    ASSERT_TRUE(waitUntil([&] { return heard.has_value(); }));
+    EXPECT_TRUE(*heard);
+
+    // A question that goes with its window still answers, and keeps the item.
+    box = ask();
+    ASSERT_NE(box, nullptr);
+    delete box;
+    ASSERT_TRUE(heard.has_value());
+    EXPECT_FALSE(*heard);
+}
+
 TEST_F(ARXAlertsTest, TheWaitingFormAnswersToo) {
     // Return while the alert waits in its own loop: Cancel for a deletion, Empty Trash for the
     // Trash.
