@@ -35,15 +35,10 @@ void copyFile(const Path& from, const Path& to, const ARXFileOperations::Buildin
     postChanged(to);
 }
 
-<<<<<<< HEAD
 void moveFile(const Path& from, const Path& to, const ARXFileOperations::Building& building) {
-    ARXFileOperations::moveItem(from, to, building);
-=======
-void moveFile(const Path& from, const Path& to) {
     // Through the trash's own move: an item taken out of the trash, or put back, keeps the
     // trash's info files right for every other program.
-    ARXTrash::moveItem(from, to);
->>>>>>> undo
+    ARXTrash::moveItem(from, to, building);
     postMoved(from, to);
 }
 

@@ -240,13 +240,8 @@ void ARXFileOperationController::endNormally() {
     playSound(_sound);
     if (_record) {
         const QDateTime now = QDateTime::currentDateTime();
-<<<<<<< HEAD
         for (size_t i = 0; i < _items.size(); ++i) {
             recordItem(i, now);
-=======
-        for (const ARXFileOperationItemRef& item : _items) {
-            _record->records.push_back({item->from, item->target(), now, item->made()});
->>>>>>> undo
         }
         ARXFileOperationRecorder::shared().add(_record);
     }

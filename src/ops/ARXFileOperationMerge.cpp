@@ -76,10 +76,10 @@ bool ARXFileOperationController::finishMerge() {
 void ARXFileOperationController::recordItem(size_t index, const QDateTime& time) {
     const ARXFileOperationItemRef& item = _items[index];
     if (!_mergedParts[index]) {
-        _record->records.push_back({item->from, item->target(), time});
+        _record->records.push_back({item->from, item->target(), time, item->made()});
         return;
     }
     for (const ARXFileOperationItemRef& part : *_mergedParts[index]) {
-        _record->records.push_back({part->from, part->target(), time});
+        _record->records.push_back({part->from, part->target(), time, part->made()});
     }
 }

@@ -548,7 +548,7 @@ std::optional<Path> infoFileFor(const Path& trashedItem) {
                          ARXPath::lastComponent(trashedItem) + std::string(kInfoSuffix));
 }
 
-void moveItem(const Path& from, const Path& to) {
+void moveItem(const Path& from, const Path& to, const ARXFileOperations::Building& building) {
     const std::optional<Path> source = trashHolding(from);
     const std::optional<Path> destination = trashHolding(to);
     std::optional<Path> claimed;
@@ -566,7 +566,7 @@ void moveItem(const Path& from, const Path& to) {
         }
     }
     try {
-        ARXFileOperations::moveItem(from, to);
+        ARXFileOperations::moveItem(from, to, building);
     } catch (const ARXFileError&) {
         if (claimed) {
             ::unlink(claimed->c_str());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ARXFileOperations.h"
 #include "platform/ARXPath.h"
 
 #include <ctime>
@@ -39,7 +40,7 @@ std::optional<Path> infoFileFor(const Path& trashedItem);
 // (an item put back where the trash kept it) first writes the item's info file, naming where it
 // came from, with O_EXCL as a trash does. Throws ARXFileError; a failed move leaves no info file
 // behind.
-void moveItem(const Path& from, const Path& to);
+void moveItem(const Path& from, const Path& to, const ARXFileOperations::Building& building = {});
 
 // Whether the path lies inside the items of one of this user's trashes ("files/" or "expunged/"
 // of the home trash, of a "$topdir/.Trash-$uid" or of a "$topdir/.Trash/$uid"). Removing such an
