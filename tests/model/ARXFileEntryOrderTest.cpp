@@ -182,6 +182,8 @@ TEST_F(ARXFileEntryOrderTest, AddRemoveAndFind) {
     // Only into a listed folder, and hidden items only when shown.
     EXPECT_FALSE(dir->addChild(at("dir/sub/late")));
     EXPECT_FALSE(dir->addChild(at("dir/.dot")));
+    // An item gone again before it could be read (a temporary renamed at once) adds nothing.
+    EXPECT_FALSE(dir->addChild(at("dir/gone-already")));
     EXPECT_FALSE(dir->find(at("dir/sub/deep")));
     const ARXFileEntryRef b = dir->addChild(at("dir/b"));
     ASSERT_TRUE(b);
@@ -207,6 +209,29 @@ TEST_F(ARXFileEntryOrderTest, ALinkHoldsTheChildrenOfItsTarget) {
     EXPECT_EQ(link->children().front()->parent(), link);
     EXPECT_TRUE(link->link()->children().empty());
     EXPECT_EQ(link->find(at("real/inside")), link->children().front());
+}
+
+TEST_F(ARXFileEntryOrderTest, ALinkIsFoundByItsOwnPathNeverByItsTargets) {
+    // "0 to file" sorts before "file", so a walk by path meets the link first.
+    const ARXFileEntryRef dir = listed({"file", "sub/"});
+    symlinkTo(at("dir/file"), at("dir/0 to file"));
+    symlinkTo(at("dir/sub"), at("dir/0 to sub"));
+    writeFile(at("dir/sub/late"), "");
+    const ARXFileEntryRef toFile = dir->addChild(at("dir/0 to file"));
+    const ARXFileEntryRef toSub = dir->addChild(at("dir/0 to sub"));
+    ASSERT_TRUE(toFile && toSub);
+    EXPECT_EQ(dir->find(at("dir/file"))->path(), at("dir/file"));
+    EXPECT_EQ(dir->find(at("dir/0 to file")), toFile);
+    EXPECT_EQ(dir->linksTo(at("dir/file")), ARXFileEntryList{toFile});
+    ASSERT_TRUE(dir->removeChildren({dir->find(at("dir/file"))}));
+    EXPECT_EQ(dir->find(at("dir/file")), nullptr);
+    // A folder listed through a link takes in the items that appear in its target.
+    ASSERT_TRUE(toSub->prepare(false));
+    ASSERT_EQ(dir->removeChildren({dir->find(at("dir/sub"))}), 1u);
+    writeFile(at("dir/sub/later"), "");
+    const ARXFileEntryRef later = dir->addChild(at("dir/sub/later"));
+    ASSERT_TRUE(later);
+    EXPECT_EQ(later->parent(), toSub);
 }
 
 TEST_F(ARXFileEntryOrderTest, DeniedFolderKeepsItsErrorAndIsNotAskedAgain) {
