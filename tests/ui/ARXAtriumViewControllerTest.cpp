@@ -280,9 +280,11 @@ TEST_F(ARXAtriumViewControllerTest, TheClickedPaneHoldsTheKeyboardAfterARenameEl
     }));
     EXPECT_EQ(workspace->activePane(), pane(1));
     EXPECT_EQ(focusedPane(), pane(1));
-    // Only the right pane's selection looks current.
-    EXPECT_NE(keyTarget(pane(0))->palette().color(QPalette::Active, QPalette::Highlight),
-              right->palette().color(QPalette::Active, QPalette::Highlight));
+    // Only the right pane's selection looks current, whether the window is active or not.
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        EXPECT_NE(keyTarget(pane(0))->palette().color(group, QPalette::Highlight),
+                  right->palette().color(group, QPalette::Highlight));
+    }
 
     // The next command acts on what was clicked.
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace, Qt::ControlModifier);

@@ -203,8 +203,11 @@ void ARXSpaceListView::setActiveLook(bool active) {
                              float(strong.blueF() * kStrength + base.blueF() * (1 - kStrength)));
         highlightedText = colors.color(QPalette::Active, QPalette::Text);
     }
-    colors.setColor(QPalette::Active, QPalette::Highlight, highlight);
-    colors.setColor(QPalette::Active, QPalette::HighlightedText, highlightedText);
+    // Both groups: the selection must look inactive whether or not the window is the active one.
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        colors.setColor(group, QPalette::Highlight, highlight);
+        colors.setColor(group, QPalette::HighlightedText, highlightedText);
+    }
     _outlineView->setPalette(colors);
 }
 
