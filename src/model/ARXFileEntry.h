@@ -214,8 +214,12 @@ public:
     // Adds an entry for `path` under its loaded, listed parent folder; null when that folder is
     // not loaded, or the item is hidden and hidden items are not shown.
     ARXFileEntryRef addChild(const Path& path);
-    // The loaded entry for `path`: this one or a descendant; null when not loaded.
+    // The loaded entry for `path`: this one or a descendant; null when not loaded. A symbolic
+    // link below this entry is found by its own path only, never by the path of its target.
     ARXFileEntryRef find(const Path& path);
+    // The loaded symbolic links below this entry that lead to `path`: what they show of their
+    // target changes with it.
+    ARXFileEntryList linksTo(const Path& path);
     // The same, listing folders on the way; the error of a listing that failed.
     ARXFileEntryResult findPreparing(const Path& path);
 
@@ -242,6 +246,9 @@ private:
                    const std::function<bool(std::string_view)>& skip, ARXFileEntryList& children);
     // A child for a path, read from the file system.
     ARXFileEntryRef makeChild(const Path& path);
+    // The descendant whose own path is `path`, or with `byLinkTarget` the link that leads there.
+    // `anyCase`: the path lies on a volume that ignores case.
+    ARXFileEntryRef findBelow(const Path& path, bool byLinkTarget, bool anyCase);
     void replaceChildren(ARXFileEntryList children);
     void appendChildren(ARXFileEntryList children);
     size_t removePathsLocked(const std::vector<Path>& sortedPaths);

@@ -1,6 +1,7 @@
 // The tree side of an entry: listing a folder, the hidden filter, finding, adding and removing
 // children, and the placeholders of running operations.
 
+#include "app/ARXDataCenter.h"
 #include "app/ARXPathRules.h"
 #include "model/ARXFileEntry.h"
 #include "model/ARXUniquePath.h"
@@ -11,6 +12,7 @@
 #include "platform/ARXTemporaryItems.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <unordered_set>
 
 std::recursive_mutex& ARXFileEntry::treeMutex() {
@@ -61,6 +63,12 @@ bool ARXFileEntry::prepare(bool force) {
         return true;
     }
     if (!checkAccess()) {
+        // Without a sandbox, no access means the system refuses to let the folder be read: the
+        // same error as a listing that fails for want of permission, with its own text.
+        if (!prepareError) {
+            prepareError =
+                std::make_unique<ARXFileError>(ARXFileError::fromErrno(EACCES, folderEntry._path));
+        }
         return false;
     }
     // Set before the listing: a failed listing leaves a listed folder without children.
@@ -200,12 +208,19 @@ size_t ARXFileEntry::removePathsLocked(const std::vector<Path>& sortedPaths) {
 
 ARXFileEntryRef ARXFileEntry::addChild(const Path& path) {
     std::lock_guard lock(treeMutex());
-    const ARXFileEntryRef folder = find(ARXPath::parentPath(path));
+    const Path parentPath = ARXPath::parentPath(path);
+    ARXFileEntryRef folder = find(parentPath);
+    if (!folder) {
+        // Children of a link to a folder carry the target's path: the link's entry lists them.
+        folder = findBelow(parentPath, true, true);
+    }
     if (!folder || !folder->expanded) {
         return nullptr;
     }
     ARXFileEntryRef entry = create(path, folder, false, _hiddenVisible, true);
-    if (entry->isHidden && !_hiddenVisible) {
+    // An item gone again before it could be read (a temporary renamed at once) is nothing to
+    // show: nothing is known of it, not even whether it is hidden.
+    if (!entry->isExists || (entry->isHidden && !_hiddenVisible)) {
         return nullptr;
     }
     folder->appendChildren({entry});
@@ -213,21 +228,78 @@ ARXFileEntryRef ARXFileEntry::addChild(const Path& path) {
     return entry;
 }
 
+namespace {
+
+// `path` lies below `folder`, comparing bytes.
+bool isBelow(const Path& folder, const Path& path) {
+    if (folder == "/") {
+        return path.size() > 1;
+    }
+    return path.size() > folder.size() && path[folder.size()] == '/' && path.starts_with(folder);
+}
+
+} // namespace
+
 ARXFileEntryRef ARXFileEntry::find(const Path& path) {
     if (isSamePath(path)) {
         return shared_from_this();
     }
+    // Every path met on the way is compared with this one: the volume's case rule is asked once
+    // for the whole walk rather than once per child, which counts when thousands of rows each
+    // look up their path as a large batch ends.
+    const ARXVolumeRef volume = ARXDataCenter::shared().volumeFor(path);
+    return findBelow(path, false, volume && !volume->caseSensitive);
+}
+
+ARXFileEntryRef ARXFileEntry::findBelow(const Path& path, bool byLinkTarget, bool anyCase) {
+    // A placeholder may share its path with the item it is about to replace; that item is the
+    // one a change on disk concerns.
+    ARXFileEntryRef placeholder;
     for (const ARXFileEntryRef& child : _children) {
-        if (child->isSamePath(path)) {
-            return child;
+        // A link is the entry of its own path. Matched by its target's path it would stand in
+        // for the target: renamed, removed or replaced by the target's row when the target is.
+        if (byLinkTarget ? (child->_link && child->_link->isSamePath(path))
+                         : (child->_path == path ||
+                            (anyCase && ARXPathRules::isSamePath(child->_path, path)))) {
+            if (!child->operation) {
+                return child;
+            }
+            if (!placeholder) {
+                placeholder = child;
+            }
+            continue;
         }
-        if (child->target()._isFolder && child->contains(path, true)) {
-            if (ARXFileEntryRef found = child->find(path)) {
+        if (!child->target()._isFolder) {
+            continue;
+        }
+        const bool holds = anyCase ? child->contains(path, true)
+                                   : isBelow(child->_path, path) ||
+                                         (child->_link && isBelow(child->_link->_path, path));
+        if (holds) {
+            if (ARXFileEntryRef found = child->findBelow(path, byLinkTarget, anyCase)) {
                 return found;
             }
         }
     }
-    return nullptr;
+    return placeholder;
+}
+
+ARXFileEntryList ARXFileEntry::linksTo(const Path& path) {
+    ARXFileEntryList links;
+    std::vector<ARXFileEntry*> open{this};
+    while (!open.empty()) {
+        ARXFileEntry* entry = open.back();
+        open.pop_back();
+        for (const ARXFileEntryRef& child : entry->_children) {
+            if (child->_link && child->_link->isSamePath(path)) {
+                links.push_back(child);
+            }
+            if (!child->_children.empty()) {
+                open.push_back(child.get());
+            }
+        }
+    }
+    return links;
 }
 
 ARXFileEntryResult ARXFileEntry::findPreparing(const Path& path) {

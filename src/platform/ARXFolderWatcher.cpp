@@ -21,6 +21,9 @@ constexpr int kCoalesceMs = 75;
 // The two halves of a rename are queued by one system call, yet a read may end between them.
 // A first half waits this long for its second before it counts as a move out of sight.
 constexpr int kMoveGraceMs = 20;
+// A file being written is followed, but a busy writer is looked at no more often than this: each
+// notice costs the views a status read and a row update.
+constexpr int kWriteIntervalMs = 300;
 
 // IN_MODIFY as well as IN_CLOSE_WRITE: `touch -m` and programs that keep a file open change it
 // without closing it; the coalescing above makes a burst of writes one notice.
@@ -207,6 +210,9 @@ void ARXFolderWatcher::handleEvent(int wd, uint32_t mask, uint32_t cookie, std::
         }
         return;
     }
+    // A write that goes on (not its close, nor anything else) may wait for the writer's pace.
+    const bool write = (mask & (IN_MODIFY | IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_ATTRIB |
+                                IN_MOVED_FROM | IN_MOVED_TO)) == IN_MODIFY;
     for (size_t i = 0; i < folders.size(); ++i) {
         const Path& folder = folders[i];
         const Path path = ARXPath::join(folder, name);
@@ -217,7 +223,7 @@ void ARXFolderWatcher::handleEvent(int wd, uint32_t mask, uint32_t cookie, std::
         } else if ((mask & IN_MOVED_TO) && i == 0) {
             movedTo(path, folder, cookie);
         } else {
-            addChange(path, folder);
+            addChange(path, folder, write);
         }
     }
 }
@@ -273,14 +279,27 @@ void ARXFolderWatcher::touch(const Path& path, NoticeId id) {
     last = std::max(last, id);
 }
 
-void ARXFolderWatcher::addChange(const Path& path, const Path& origin) {
+void ARXFolderWatcher::addChange(const Path& path, const Path& origin, bool write) {
     if (Notice* last = lastTouching(path); last && last->kind == Kind::change) {
         if (std::find(last->origins.begin(), last->origins.end(), origin) == last->origins.end()) {
             last->origins.push_back(origin);
         }
+        if (!write && last->dueMs != 0) {
+            // The file was closed, deleted or otherwise changed: that is told without waiting.
+            last->dueMs = 0;
+            if (_flushTimer.remainingTime() > kCoalesceMs) {
+                _flushTimer.start(kCoalesceMs);
+            }
+        }
         return;
     }
-    touch(path, append({Kind::change, path, {}, {origin}}));
+    Notice notice{Kind::change, path, {}, {origin}};
+    if (write) {
+        if (const auto told = _lastToldMs.find(path); told != _lastToldMs.end()) {
+            notice.dueMs = told->second + kWriteIntervalMs;
+        }
+    }
+    touch(path, append(std::move(notice)));
 }
 
 void ARXFolderWatcher::movedFrom(const Path& path, const Path& origin, uint32_t cookie) {
@@ -323,7 +342,11 @@ void ARXFolderWatcher::movedTo(const Path& path, const Path& origin, uint32_t co
 
 void ARXFolderWatcher::flush() {
     QPointer<ARXFolderWatcher> self(this);
-    while (!_notices.empty()) {
+    // Notices put back behind the others (writes not yet due) are not looked at again in this
+    // pass; they start at this id.
+    const NoticeId putBack = _firstId + _notices.size();
+    int64_t nextDue = 0;
+    while (!_notices.empty() && _firstId < putBack) {
         Notice& front = _notices.front();
         if (!front.dead && front.kind == Kind::pendingMove) {
             const int64_t wait = kMoveGraceMs - (nowMs() - front.arrivedMs);
@@ -334,10 +357,19 @@ void ARXFolderWatcher::flush() {
             // The second half never came: the item left the watched folders.
             front.kind = Kind::change;
         }
-        const Notice notice = std::move(front);
+        Notice notice = std::move(front);
         _notices.pop_front();
         ++_firstId;
         if (notice.dead) {
+            continue;
+        }
+        if (notice.kind == Kind::change && notice.dueMs > nowMs()) {
+            // A writer's next notice waits for its turn behind what else happened. It stays the
+            // path's pending notice, so that what comes meanwhile joins it or, for a rename,
+            // splits as for any waiting notice.
+            nextDue = nextDue == 0 ? notice.dueMs : std::min(nextDue, notice.dueMs);
+            const Path path = notice.path;
+            touch(path, append(std::move(notice)));
             continue;
         }
         // Receivers may unwatch, watch or even run a nested event loop; the next notice is taken
@@ -345,13 +377,21 @@ void ARXFolderWatcher::flush() {
         if (notice.kind == Kind::move) {
             Q_EMIT subitemMoved(notice.path, notice.to);
         } else {
+            _lastToldMs[notice.path] = nowMs();
             Q_EMIT subitemChanged(notice.path);
         }
         if (!self) {
             return;
         }
     }
+    if (!_notices.empty()) {
+        _flushTimer.start(int(std::max<int64_t>(nextDue - nowMs(), 0)));
+        return;
+    }
     // Nothing waits any more: a second half arriving later is a change of its own.
     _lastTouch.clear();
     _movesByCookie.clear();
+    const int64_t now = nowMs();
+    std::erase_if(_lastToldMs,
+                  [now](const auto& told) { return now - told.second >= kWriteIntervalMs; });
 }

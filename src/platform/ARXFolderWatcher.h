@@ -17,7 +17,8 @@ class QSocketNotifier;
 // thread. A pane watches the folder it shows and each folder it has expanded.
 //
 // Notices are gathered for a short while and then delivered in the order they happened, one per
-// path: a burst of writes to one file is one subitemChanged. A rename whose two ends are both
+// path: a burst of writes to one file is one subitemChanged. A file kept open and written to is
+// followed at a few notices a second; its close is told at once. A rename whose two ends are both
 // watched is one subitemMoved; a rename out of the watched folders is a change of the old path
 // (it is gone), one into them a change of the new path (it appeared). When the folder itself is
 // deleted or moved, its own path changes and it is no longer watched. When the kernel's queue
@@ -50,13 +51,16 @@ private:
         // The watched folders the notice came from; it dies when they are all unwatched.
         std::vector<Path> origins;
         int64_t arrivedMs = 0;
+        // A write of a file told a moment ago is told no earlier than this (0: at once).
+        int64_t dueMs = 0;
         bool dead = false;
     };
     using NoticeId = uint64_t;
 
     void readEvents();
     void handleEvent(int wd, uint32_t mask, uint32_t cookie, std::string_view name);
-    void addChange(const Path& path, const Path& origin);
+    // `write`: the file's content changed and it is still open for writing.
+    void addChange(const Path& path, const Path& origin, bool write = false);
     void movedFrom(const Path& path, const Path& origin, uint32_t cookie);
     void movedTo(const Path& path, const Path& origin, uint32_t cookie);
     NoticeId append(Notice notice);
@@ -80,4 +84,6 @@ private:
     std::unordered_map<Path, NoticeId> _lastTouch;
     // Moves seen from their first half, by the kernel's cookie.
     std::unordered_map<uint32_t, NoticeId> _movesByCookie;
+    // When each path's last change went out, for the pace of writers.
+    std::unordered_map<Path, int64_t> _lastToldMs;
 };

@@ -111,3 +111,15 @@ void ARXFileClipboard::put(const std::vector<Path>& paths, bool cut) {
 ARXFileClipboard::Contents ARXFileClipboard::current() {
     return read(QGuiApplication::clipboard()->mimeData());
 }
+
+void ARXFileClipboard::replaceCut(const Contents& pasted, const std::vector<Path>& left) {
+    const Contents now = current();
+    if (!now.cut || now.paths != pasted.paths || left == pasted.paths) {
+        return;
+    }
+    if (left.empty()) {
+        QGuiApplication::clipboard()->clear();
+    } else {
+        put(left, true);
+    }
+}

@@ -37,5 +37,8 @@ Path localPath(const QByteArray& uri);
 // The system clipboard.
 void put(const std::vector<Path>& paths, bool cut);
 Contents current();
+// After a paste of the cut `pasted`: the clipboard holds a cut of `left` instead (nothing when
+// `left` is empty), provided it still holds `pasted`; anything copied or cut since stays.
+void replaceCut(const Contents& pasted, const std::vector<Path>& left);
 
 } // namespace ARXFileClipboard

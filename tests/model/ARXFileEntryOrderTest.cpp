@@ -182,6 +182,8 @@ TEST_F(ARXFileEntryOrderTest, AddRemoveAndFind) {
     // Only into a listed folder, and hidden items only when shown.
     EXPECT_FALSE(dir->addChild(at("dir/sub/late")));
     EXPECT_FALSE(dir->addChild(at("dir/.dot")));
+    // An item gone again before it could be read (a temporary renamed at once) adds nothing.
+    EXPECT_FALSE(dir->addChild(at("dir/gone-already")));
     EXPECT_FALSE(dir->find(at("dir/sub/deep")));
     const ARXFileEntryRef b = dir->addChild(at("dir/b"));
     ASSERT_TRUE(b);
@@ -209,6 +211,18 @@ TEST_F(ARXFileEntryOrderTest, ALinkHoldsTheChildrenOfItsTarget) {
     EXPECT_EQ(link->find(at("real/inside")), link->children().front());
 }
 
+TEST_F(ARXFileEntryOrderTest, ALinkIsFoundByItsOwnPathNeverByItsTargets) {
+    // "0 to file" sorts before "file", so a walk by path meets the link first.
+    const ARXFileEntryRef dir = listed({"file"});
+    symlinkTo(at("dir/file"), at("dir/0 to file"));
+    const ARXFileEntryRef link = dir->addChild(at("dir/0 to file"));
+    ASSERT_TRUE(link);
+    EXPECT_EQ(dir->find(at("dir/file"))->path(), at("dir/file"));
+    EXPECT_EQ(dir->linksTo(at("dir/file")), ARXFileEntryList{link});
+    ASSERT_TRUE(dir->removeChildren({dir->find(at("dir/file"))}));
+    EXPECT_EQ(dir->find(at("dir/file")), nullptr);
+}
+
 TEST_F(ARXFileEntryOrderTest, DeniedFolderKeepsItsErrorAndIsNotAskedAgain) {
     makeFolder(at("locked"));
     writeFile(at("locked/inside"), "");
@@ -223,21 +237,16 @@ TEST_F(ARXFileEntryOrderTest, DeniedFolderKeepsItsErrorAndIsNotAskedAgain) {
         EXPECT_FALSE(locked->prepare(false));
         EXPECT_TRUE(locked->children().empty());
         // As root the guard still grants (access(2) asks the permitted capabilities, which the
-        // check's thread keeps), so the listing itself fails; otherwise the guard refuses.
-        EXPECT_EQ(locked->prepareError != nullptr, ::geteuid() == 0);
-        if (locked->prepareError) {
-            EXPECT_TRUE(locked->expanded);
-            EXPECT_EQ(locked->prepareError->code, ARXFileError::kNoReadPermission);
-            EXPECT_EQ(locked->prepareError->errnum, EACCES);
-            EXPECT_EQ(locked->prepareError->path, at("locked"));
-        } else {
-            EXPECT_FALSE(locked->expanded); // the guard said no
-        }
+        // check's thread keeps), so the listing itself fails; otherwise the guard refuses. Either
+        // way it is the same error, with the folder and the system's reason.
+        ASSERT_TRUE(locked->prepareError);
+        EXPECT_EQ(locked->expanded, ::geteuid() == 0);
+        EXPECT_EQ(locked->prepareError->code, ARXFileError::kNoReadPermission);
+        EXPECT_EQ(locked->prepareError->errnum, EACCES);
+        EXPECT_EQ(locked->prepareError->path, at("locked"));
         EXPECT_FALSE(locked->checkAccess());
         ASSERT_EQ(::chmod(at("locked").c_str(), 0700), 0);
-        if (locked->prepareError) {
-            EXPECT_FALSE(locked->prepare(true)); // sticky, even with access back
-        }
+        EXPECT_FALSE(locked->prepare(true)); // sticky, even with access back
         ASSERT_EQ(::chmod(at("locked").c_str(), 0), 0);
         const ARXFileEntryResult found = parent->findPreparing(at("locked/inside"));
         EXPECT_FALSE(found.entry);

@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 // Everything a test does to the disk happens on the main thread before it lets the event loop
@@ -101,6 +104,41 @@ TEST_F(ARXFolderWatcherTest, ABurstIsOneNoticePerPathInOrder) {
     append(a, "again\n");
     const std::string last = marker();
     EXPECT_EQ(noticesUntil(last), (std::vector<std::string>{changed(a), changed(b), last}));
+}
+
+TEST_F(ARXFolderWatcherTest, AFileKeptOpenIsFollowedAFewTimesASecond) {
+    const Path file = in("download.part");
+    const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    ASSERT_GE(fd, 0);
+    std::vector<std::chrono::steady_clock::time_point> times;
+    std::atomic<int> writes{0};
+    QObject::connect(&_watcher, &ARXFolderWatcher::subitemChanged, [&](const Path& path) {
+        if (path == file) {
+            times.push_back(std::chrono::steady_clock::now());
+        }
+    });
+    // A writer that never closes, writing a piece every few milliseconds.
+    std::atomic<bool> writing{true};
+    std::thread writer([&] {
+        while (writing) {
+            if (::write(fd, "piece\n", 6) == 6) {
+                ++writes;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    });
+    const bool followed = waitUntil([&] { return times.size() >= 4; }, 20000);
+    writing = false;
+    writer.join();
+    ASSERT_TRUE(followed) << times.size() << " notices for " << writes.load() << " writes";
+    // Told again and again while open, yet a few times a second at most.
+    for (size_t i = 1; i < times.size(); ++i) {
+        EXPECT_GE(times[i] - times[i - 1], std::chrono::milliseconds(250)) << "notice " << i;
+    }
+    // The close is told too.
+    const size_t before = times.size();
+    ::close(fd);
+    EXPECT_TRUE(waitUntil([&] { return times.size() > before; }));
 }
 
 TEST_F(ARXFolderWatcherTest, ABurstOfAThousandCreationsReportsEachNewItemOnce) {

@@ -2,13 +2,20 @@
 
 #include "app/ARXConf.h"
 #include "app/ARXDataCenter.h"
+#include "app/ARXNotificationNames.h"
+#include "platform/ARXFileIO.h"
+#include "platform/ARXNotificationCenter.h"
+#include "platform/ARXSoundPlayer.h"
 #include "support/ARXFakeVolumes.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/layout/ARXHandySplitView.h"
+#include "ui/spaceviews/ARXSpaceListView.h"
 #include "ui/workspace/ARXLayoutsToolbarItem.h"
 #include "ui/workspace/ARXWorkspaceStore.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QLineEdit>
 #include <QMenu>
 #include <QSplitterHandle>
 #include <QTest>
@@ -33,12 +40,14 @@ protected:
             writeFile(in(name), "x");
         }
         ARXConf::settings_default_directory().setValue(ARXPath::toStoredText(in("")));
+        ARXSoundPlayer::setSink([](ARXSoundEffect) {});
         workspace = std::make_unique<ARXAtriumViewController>();
         workspace->resize(kWidth, kHeight);
     }
 
     void TearDown() override {
         workspace.reset();
+        ARXSoundPlayer::setSink({});
         ARXTestEnvironment::TearDown();
     }
 
@@ -66,11 +75,39 @@ protected:
         workspace->build(QStringLiteral("Test"), data);
         show();
     }
-    void show() {
-        workspace->show();
-        settle();
+    void show() { showLaidOut(*workspace); }
+    // Shown, on screen, and every placed pane in its place.
+    static void showLaidOut(ARXAtriumViewController& controller) {
+        controller.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&controller));
+        waitLaidOut(controller);
     }
-    static void settle() { spin(30); }
+    // The last build's tree fills the content area: the root split, or the lone pane.
+    static void waitLaidOut(const ARXAtriumViewController& controller) {
+        ASSERT_TRUE(waitUntil([&] {
+            QWidget* content = controller.contentView();
+            QWidget* top = Builder::rootSplit(content);
+            if (!top) {
+                top = controller.squares()[0];
+            }
+            return top->isVisible() && top->geometry() == content->rect();
+        }));
+    }
+    void waitLaidOut() const { waitLaidOut(*workspace); }
+    // The window takes the keyboard, as a window the user brought up does.
+    void activateWindow() const {
+        workspace->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(workspace.get()));
+    }
+    // The pane whose widgets hold the keyboard.
+    ARXSpaceSquareView* focusedPane() const {
+        for (ARXSpaceSquareView* square : workspace->squares()) {
+            if (square->isAncestorOf(QApplication::focusWidget())) {
+                return square;
+            }
+        }
+        return nullptr;
+    }
 
     ARXSpaceSquareView* pane(size_t index) const { return workspace->squares()[index]; }
     static Path shown(const ARXSpaceSquareView* pane) {
@@ -108,10 +145,11 @@ protected:
         const QPoint start = grip->rect().center();
         const QPoint end =
             start + (split->orientation() == Qt::Horizontal ? QPoint(delta, 0) : QPoint(0, delta));
+        const QList<int> before = split->sizes();
         QTest::mousePress(grip, Qt::LeftButton, {}, start);
         QTest::mouseMove(grip, end);
         QTest::mouseRelease(grip, Qt::LeftButton, {}, end);
-        settle();
+        ASSERT_TRUE(waitUntil([&] { return split->sizes() != before; }));
     }
 
     static constexpr int kWidth = 1201;
@@ -148,8 +186,7 @@ TEST_F(ARXAtriumViewControllerTest, BuildReadsTheLayoutSidebarAndPaneRecords) {
         wide.layoutId = id;
         wide.sidebarWidth = width;
         other.build(QStringLiteral("X"), wide);
-        other.show();
-        settle();
+        showLaidOut(other);
         EXPECT_EQ(other.layout()->id, Id::layout_0);
         EXPECT_EQ(other.placedPanes().size(), 4u);
         EXPECT_EQ(other.sidebarView()->width(), expectedWidth);
@@ -169,7 +206,7 @@ TEST_F(ARXAtriumViewControllerTest, TheActivePaneStaysInSightAndLeavingPanesLose
     EXPECT_EQ(shownFolders(), (std::vector<Path>{in("A"), in("B"), in("C"), in("D")}));
 
     workspace->setLayout(workspace->layoutMember(Id::layout_7));
-    settle();
+    waitLaidOut();
     EXPECT_EQ(pane(0), fourth);
     EXPECT_EQ(shownFolders(), (std::vector<Path>{in("D"), "", "", ""}));
     EXPECT_TRUE(fourth->isActivated());
@@ -203,6 +240,58 @@ TEST_F(ARXAtriumViewControllerTest, AnActivePaneOutOfPlacePushesTheLastPlacedOne
     EXPECT_EQ(activeCount(*workspace), 1);
 }
 
+TEST_F(ARXAtriumViewControllerTest, TheFirstPaneHoldsTheKeyboardAtStartAndAfterPanesArrive) {
+    buildShown(Id::layout_0);
+    activateWindow();
+    ASSERT_TRUE(waitUntil([&] { return focusedPane() != nullptr; }));
+    EXPECT_EQ(focusedPane(), pane(0));
+    EXPECT_EQ(activeIndex(), 0);
+    // One folder opens in the active pane: the first.
+    workspace->openPaths({in("E")}, true);
+    EXPECT_EQ(shown(pane(0)), in("E"));
+
+    // Three panes come into use one after another; none takes the keyboard from the first.
+    workspace->setLayout(workspace->layoutMember(Id::layout_7));
+    workspace->setLayout(workspace->layoutMember(Id::layout_0));
+    waitLaidOut();
+    ASSERT_TRUE(waitUntil([&] { return focusedPane() == pane(0); }));
+    EXPECT_EQ(activeIndex(), 0);
+    EXPECT_EQ(activeCount(*workspace), 1);
+}
+
+TEST_F(ARXAtriumViewControllerTest, TheClickedPaneHoldsTheKeyboardAfterARenameElsewhere) {
+    buildShown(Id::layout_1);
+    activateWindow();
+    ARXSpaceView* left = pane(0)->contentView();
+    ASSERT_TRUE(waitUntil([&] { return focusedPane() == pane(0); }));
+    // A rename in the left pane, ended by a click on a row of the right one.
+    ASSERT_TRUE(left->beginEditingName(left->find(in("A/a.txt"))));
+    auto* editor = keyTarget(pane(0))->findChild<QLineEdit*>();
+    ASSERT_TRUE(editor);
+    ASSERT_TRUE(waitUntil([&] { return editor->hasFocus(); }));
+    editor->setText(QStringLiteral("renamed.txt"));
+    QTreeView* right = keyTarget(pane(1));
+    const QModelIndex row = right->model()->index(0, 0);
+    ASSERT_EQ(row.data().toString(), QStringLiteral("c.txt"));
+    QTest::mouseClick(right->viewport(), Qt::LeftButton, {}, right->visualRect(row).center());
+    ASSERT_TRUE(waitUntil([&] {
+        return ARXFileIO::exists(in("A/renamed.txt")) && left->selectedItems().size() == 1 &&
+               left->selectedItems().front()->name() == "renamed.txt";
+    }));
+    EXPECT_EQ(workspace->activePane(), pane(1));
+    EXPECT_EQ(focusedPane(), pane(1));
+    // Only the right pane's selection looks current, whether the window is active or not.
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        EXPECT_NE(keyTarget(pane(0))->palette().color(group, QPalette::Highlight),
+                  right->palette().color(group, QPalette::Highlight));
+    }
+
+    // The next command acts on what was clicked.
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace, Qt::ControlModifier);
+    ASSERT_TRUE(waitUntil([&] { return !ARXFileIO::exists(in("B/c.txt")); }));
+    EXPECT_TRUE(ARXFileIO::exists(in("A/renamed.txt")));
+}
+
 TEST_F(ARXAtriumViewControllerTest, TheChooserFollowsTheLayoutAndChangesIt) {
     buildShown(Id::layout_3);
     ARXLayoutsToolbarItem chooser;
@@ -227,6 +316,36 @@ TEST_F(ARXAtriumViewControllerTest, TheChooserFollowsTheLayoutAndChangesIt) {
     EXPECT_EQ(workspace->layout()->id, Id::layout_10);
 }
 
+TEST_F(ARXAtriumViewControllerTest, TheStatusBarShowsAndHidesInEveryPaneAtOnce) {
+    buildShown(Id::layout_0);
+    // Three panes leave use for a while, keeping their views.
+    workspace->setLayout(workspace->layoutMember(Id::layout_7));
+    const auto statusShown = [&](size_t index) {
+        auto* list = qobject_cast<ARXSpaceListView*>(pane(index)->contentView());
+        return list && list->isBottomStatusVisible();
+    };
+    EXPECT_FALSE(statusShown(0));
+    // As View ▸ Show Status Bar sets it.
+    ARXConf::settings_space_bottom_statusbar_visible().setValue(true);
+    ARXNotificationCenter::shared().post(ARXNotificationName::rv_settings_bottom_statusbar_changed);
+    EXPECT_TRUE(statusShown(0));
+    ASSERT_TRUE(waitUntil([&] {
+        return qobject_cast<ARXSpaceListView*>(pane(0)->contentView())
+            ->bottomStatusText()
+            .startsWith(QStringLiteral("2 items, "));
+    }));
+    // Panes that come back into use have it too.
+    workspace->setLayout(workspace->layoutMember(Id::layout_0));
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_TRUE(statusShown(i)) << i;
+    }
+    ARXConf::settings_space_bottom_statusbar_visible().setValue(false);
+    ARXNotificationCenter::shared().post(ARXNotificationName::rv_settings_bottom_statusbar_changed);
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_FALSE(statusShown(i)) << i;
+    }
+}
+
 // ----- swaps and moves
 
 TEST_F(ARXAtriumViewControllerTest, ASwapKeepsTheSizesOfThePlaces) {
@@ -240,7 +359,7 @@ TEST_F(ARXAtriumViewControllerTest, ASwapKeepsTheSizesOfThePlaces) {
     ARXSpaceSquareView* first = pane(0);
     ARXSpaceSquareView* second = pane(1);
     workspace->swap(first, second);
-    settle();
+    waitLaidOut();
     EXPECT_EQ(pane(0), second);
     EXPECT_EQ(pane(1), first);
     EXPECT_NEAR(second->width(), leftWidth, 1);
@@ -254,7 +373,7 @@ TEST_F(ARXAtriumViewControllerTest, ASwapKeepsTheSizesOfThePlaces) {
     // The offered layouts start with their default sizes, and keep what a swap stores in them.
     workspace->setLayout(workspace->layoutMember(Id::layout_0));
     workspace->setLayout(workspace->layoutMember(Id::layout_1));
-    settle();
+    waitLaidOut();
     EXPECT_NEAR(workspace->currentFactors()->front(), 0.5, 0.01);
     drag(Builder::rootSplit(workspace->contentView()), 1, -250);
     workspace->swap(pane(0), pane(1));
@@ -262,13 +381,13 @@ TEST_F(ARXAtriumViewControllerTest, ASwapKeepsTheSizesOfThePlaces) {
     EXPECT_LT(stored, 0.4);
     workspace->setLayout(workspace->layoutMember(Id::layout_6));
     workspace->setLayout(workspace->layoutMember(Id::layout_1));
-    settle();
+    waitLaidOut();
     EXPECT_NEAR(workspace->currentFactors()->front(), stored, 0.01);
     // A drag alone is not kept by a change of layout.
     drag(Builder::rootSplit(workspace->contentView()), 1, 300);
     workspace->setLayout(workspace->layoutMember(Id::layout_6));
     workspace->setLayout(workspace->layoutMember(Id::layout_1));
-    settle();
+    waitLaidOut();
     EXPECT_NEAR(workspace->currentFactors()->front(), stored, 0.01);
 }
 
@@ -319,8 +438,7 @@ TEST_F(ARXAtriumViewControllerTest, ProbesFindTheNeighbourInEachDirection) {
         data.layoutId = qint64(id);
         data.sidebarWidth = 200;
         controller.build(QStringLiteral("P"), data);
-        controller.show();
-        settle();
+        showLaidOut(controller);
         for (const Probe& probe : probes) {
             if (probe.layout != id) {
                 continue;
@@ -468,8 +586,7 @@ TEST_F(ARXAtriumViewControllerTest, AFourPaneWorkspaceComesBackWithItsDraggedSiz
     ARXAtriumViewController restored;
     restored.resize(kWidth, kHeight);
     ARXWorkspaceStore::restore(restored, QStringLiteral("Round Trip"));
-    restored.show();
-    settle();
+    showLaidOut(restored);
     EXPECT_EQ(restored.layout()->id, Id::layout_0);
     EXPECT_EQ(restored.hotkey(), QStringLiteral("cmd+1"));
     EXPECT_EQ(restored.sidebarView()->width(), sidebar);
@@ -510,7 +627,7 @@ TEST_F(ARXAtriumViewControllerTest, TheSidebarAndTheRecordOfAWindowNeverShown) {
     EXPECT_EQ(workspace->makeData().sidebarWidth, 0.0);
     // Shown again, it has the width it had.
     workspace->setSidebarVisible(true);
-    settle();
+    ASSERT_TRUE(waitUntil([&] { return workspace->sidebarView()->width() == 180; }));
     EXPECT_EQ(workspace->sidebarView()->width(), 180);
 
     // A drag of its divider stops at 150 and at 300.

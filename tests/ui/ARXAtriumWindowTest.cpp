@@ -375,8 +375,8 @@ TEST_F(ARXAtriumWindowTest, PathsHandedOverOpenInTheFrontWorkspaceEvenBeforeItsW
     }));
 
     // A path that does not exist leaves the pane with its message, and nothing breaks.
-    delegate.openPaths({home() + "/Nowhere"});
     ARXSpaceSquareView* pane = front->viewController()->activePane();
+    delegate.openPaths({home() + "/Nowhere"});
     EXPECT_TRUE(waitUntil([&] { return pane->status() == ARXSpaceStatus::notfound; }));
     delegate.revealPaths({home() + "/Work/report.txt"});
     EXPECT_TRUE(waitUntil([&] {

@@ -5,8 +5,11 @@
 #include "support/ARXFakeVolumes.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/spaceviews/ARXSpaceListView.h"
+#include "ui/spaceviews/ARXSpaceMessageView.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
+#include <QPushButton>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
@@ -126,9 +129,15 @@ TEST_F(ARXSpaceSquareViewTest, AFolderTheSystemRefusesAsksForNoChooserUntilTheBu
     EXPECT_EQ(pane->status(), ARXSpaceStatus::denied);
     EXPECT_TRUE(pane->messageText().contains(QString::fromStdString(in("Locked"))))
         << pane->messageText().toStdString();
+    EXPECT_TRUE(pane->messageText().contains(QStringLiteral("Permission denied")))
+        << pane->messageText().toStdString();
     EXPECT_EQ(pane->chooseButtonTitle(), QStringLiteral("Authorize"));
-    spin(50);
+    QCoreApplication::processEvents(); // what the status put off until after this event
     EXPECT_EQ(pane->chooser(), nullptr);
+    // The button asks.
+    pane->findChild<ARXSpaceMessageView*>()->chooseButton()->click();
+    ASSERT_NE(pane->chooser(), nullptr);
+    pane->chooser()->reject();
 
     // A folder whose permission goes while it is shown.
     pane->openPath(in("Folder"));

@@ -8,6 +8,7 @@
 #include "ui/spaceviews/ARXSpaceListModel.h"
 #include "ui/spaceviews/ARXSpaceListOutlineView.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -115,7 +116,12 @@ ARXSpaceListView::ARXSpaceListView(QWidget* parent)
     connect(_outlineView, &ARXSpaceListOutlineView::editingEnded, this, [this] {
         _editingEntry.reset();
         setEditingFilename(false);
-        _outlineView->setFocus(Qt::OtherFocusReason);
+        // The keyboard comes back from the name editor, unless the user took it elsewhere: a
+        // click in another pane ends the edit too, and that pane must keep the keyboard.
+        const QWidget* focused = QApplication::focusWidget();
+        if (!focused || focused == _outlineView || _outlineView->isAncestorOf(focused)) {
+            _outlineView->setFocus(Qt::OtherFocusReason);
+        }
     });
     connect(_outlineView, &ARXSpaceListOutlineView::focusReceived, this, [this] {
         if (delegate()) {
@@ -175,6 +181,34 @@ void ARXSpaceListView::bindRoot(const ARXFileEntryRef& root, bool force) {
     applyColumns();
     scheduleDayChange();
     refreshStatusText();
+}
+
+void ARXSpaceListView::setActiveLook(bool active) {
+    ARXSpaceView::setActiveLook(active);
+    if (active) {
+        _outlineView->setPalette(QPalette()); // the inherited colours again
+        return;
+    }
+    QPalette colors = palette();
+    QColor highlight = colors.color(QPalette::Inactive, QPalette::Highlight);
+    QColor highlightedText = colors.color(QPalette::Inactive, QPalette::HighlightedText);
+    if (highlight == colors.color(QPalette::Active, QPalette::Highlight)) {
+        // Styles that draw both alike (Fusion): the highlight faded into the background.
+        const QColor base = colors.color(QPalette::Active, QPalette::Base);
+        const QColor strong = colors.color(QPalette::Active, QPalette::Highlight);
+        constexpr double kStrength = 0.35;
+        highlight =
+            QColor::fromRgbF(float(strong.redF() * kStrength + base.redF() * (1 - kStrength)),
+                             float(strong.greenF() * kStrength + base.greenF() * (1 - kStrength)),
+                             float(strong.blueF() * kStrength + base.blueF() * (1 - kStrength)));
+        highlightedText = colors.color(QPalette::Active, QPalette::Text);
+    }
+    // Both groups: the selection must look inactive whether or not the window is the active one.
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        colors.setColor(group, QPalette::Highlight, highlight);
+        colors.setColor(group, QPalette::HighlightedText, highlightedText);
+    }
+    _outlineView->setPalette(colors);
 }
 
 // ----- columns
@@ -437,13 +471,22 @@ void ARXSpaceListView::expandIndex(const QModelIndex& index) {
 // ----- selection and editing
 
 ARXFileEntryList ARXSpaceListView::selectedEntries() const {
-    QModelIndexList rows = _outlineView->selectionModel()->selectedRows(0);
-    std::stable_sort(rows.begin(), rows.end(), [this](const QModelIndex& a, const QModelIndex& b) {
-        return _outlineView->visualRect(a).top() < _outlineView->visualRect(b).top();
-    });
+    // Top to bottom is the order of the rows' positions from the root down. Asking the widget
+    // where each row is drawn would lay out every row of the folder first.
+    std::vector<std::pair<std::vector<int>, QModelIndex>> rows;
+    for (const QModelIndex& index : _outlineView->selectionModel()->selectedRows(0)) {
+        std::vector<int> place;
+        for (QModelIndex up = index; up.isValid(); up = up.parent()) {
+            place.push_back(up.row());
+        }
+        std::reverse(place.begin(), place.end());
+        rows.emplace_back(std::move(place), index);
+    }
+    std::sort(rows.begin(), rows.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
     ARXFileEntryList entries;
-    entries.reserve(size_t(rows.size()));
-    for (const QModelIndex& index : rows) {
+    entries.reserve(rows.size());
+    for (const auto& [place, index] : rows) {
         if (ARXFileEntryRef entry = _model->entryAt(index)) {
             entries.push_back(std::move(entry));
         }
@@ -452,8 +495,12 @@ ARXFileEntryList ARXSpaceListView::selectedEntries() const {
 }
 
 void ARXSpaceListView::selectEntries(const ARXFileEntryList& entries) {
-    QItemSelection selection;
+    // One range per run of neighbouring rows: the widget keeps two persistent indexes per range
+    // and walks them all at every row removal, so a folder selected whole is one range, not
+    // thousands.
     QModelIndex first;
+    std::vector<QModelIndex> rows;
+    rows.reserve(entries.size());
     for (const ARXFileEntryRef& entry : entries) {
         const QModelIndex index = _model->indexOf(entry);
         if (!index.isValid()) {
@@ -462,7 +509,23 @@ void ARXSpaceListView::selectEntries(const ARXFileEntryList& entries) {
         if (!first.isValid()) {
             first = index;
         }
-        selection.select(index, index.siblingAtColumn(_model->columnCount(index.parent()) - 1));
+        rows.push_back(index);
+    }
+    std::sort(rows.begin(), rows.end(), [](const QModelIndex& a, const QModelIndex& b) {
+        const QModelIndex folderA = a.parent();
+        const QModelIndex folderB = b.parent();
+        return folderA != folderB ? folderA < folderB : a.row() < b.row();
+    });
+    QItemSelection selection;
+    for (size_t i = 0; i < rows.size();) {
+        size_t end = i + 1;
+        while (end < rows.size() && rows[end].parent() == rows[i].parent() &&
+               rows[end].row() <= rows[end - 1].row() + 1) {
+            ++end;
+        }
+        const QModelIndex last = rows[end - 1];
+        selection.select(rows[i], last.siblingAtColumn(_model->columnCount(last.parent()) - 1));
+        i = end;
     }
     _outlineView->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect |
                                                           QItemSelectionModel::Rows);

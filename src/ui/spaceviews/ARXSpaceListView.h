@@ -71,7 +71,7 @@ public:
     // Unfolds every row that is one of the paths or holds one of them, at any depth.
     void setExpandedPaths(const std::vector<Path>& paths) override;
     // Unfolds one folder shown as a row; answers whether it is unfolded (the root always is).
-    bool expandEntry(const ARXFileEntryRef& entry);
+    bool expandEntry(const ARXFileEntryRef& entry) override;
 
     // ----- selection and editing
 
@@ -82,6 +82,7 @@ public:
     bool beginEditingName(const ARXFileEntryRef& entry) override;
     void focusContent() override;
     bool hasContentFocus() const override;
+    void setActiveLook(bool active) override;
     void reloadContent() override;
     // Selects the row after the trashed ones first, so that the selection stays in place.
     void trashEntries(const ARXFileEntryList& entries) override;
@@ -121,6 +122,8 @@ protected:
 
 private:
     void fitNameColumn();
+    // Rows left the widget, and their entries the selection: the pane and the status hear it.
+    void selectionLost();
 
     void applyColumns();
     void toggleColumn(ARXSpaceViewColumnId column);

@@ -17,6 +17,8 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <unordered_set>
+#include <utility>
 
 void ARXSpaceListView::focusContent() {
     _outlineView->setFocus(Qt::OtherFocusReason);
@@ -88,12 +90,38 @@ void ARXSpaceListView::entriesInserted(const ARXFileEntryList& entries) {
 }
 
 void ARXSpaceListView::entryRemoved(const ARXFileEntryRef& entry, size_t index) {
-    _model->entryRemoved(entry, index);
-    refreshStatusText();
+    // The rows that go leave the widget's selection too; `removeEntry` has already taken the
+    // entry out of the view's own, so the selection is not read back from the widget, which would
+    // cost a pass over every selected row for each row removed.
+    {
+        const bool syncing = std::exchange(_syncing, true);
+        _model->entryRemoved(entry, index);
+        _syncing = syncing;
+    }
+    selectionLost();
 }
 
 void ARXSpaceListView::entriesRemoved(const ARXFileEntryRemovals& removals) {
-    _model->entriesRemoved(removals);
+    {
+        const bool syncing = std::exchange(_syncing, true);
+        _model->entriesRemoved(removals);
+        _syncing = syncing;
+    }
+    std::unordered_set<const ARXFileEntry*> gone;
+    for (const ARXFileEntryRemoval& removal : removals.entries()) {
+        for (const auto& [position, entry] : removal.indexes) {
+            gone.insert(entry.get());
+        }
+    }
+    std::erase_if(_selectedItems,
+                  [&](const ARXFileEntryRef& entry) { return gone.contains(entry.get()); });
+    selectionLost();
+}
+
+void ARXSpaceListView::selectionLost() {
+    if (delegate()) {
+        delegate()->spaceViewSelectionChanged(*this);
+    }
     refreshStatusText();
 }
 

@@ -40,9 +40,6 @@ Path defaultDirectory() {
     return ARXPath::fromStoredText(ARXConf::settings_default_directory().value());
 }
 
-// The error code of a folder the system itself refuses to list.
-constexpr int kNoReadPermission = 257;
-
 } // namespace
 
 ARXSpaceSquareView::ARXSpaceSquareView(QWidget* parent, std::optional<Path> path)
@@ -215,7 +212,12 @@ void ARXSpaceSquareView::refreshRoot() {
     // The content view lists the folder and decides the status (spaceViewStatusChanged).
     _contentView->bindRoot(_root, false);
     _history.push(_root);
-    _contentView->focusContent();
+    // Only the active pane takes the keyboard: panes filled one after another (a new layout, a
+    // restored workspace) would each take it from the one before, and the last would end up as
+    // the pane every command acts on.
+    if (_isActivated) {
+        _contentView->focusContent();
+    }
     updateButtons();
     updatePathField();
     updateFavorite();
@@ -334,6 +336,11 @@ void ARXSpaceSquareView::applyStatus(ARXSpaceStatus status) {
         }
         return;
     }
+    // The keyboard stays in the pane: hidden with the content, it would go on to whatever widget
+    // comes next, and make the pane beside this one the active one unasked.
+    if (_contentView && _contentView->hasContentFocus()) {
+        _messageView->chooseButton()->setFocus(Qt::OtherFocusReason);
+    }
     _stack->setCurrentWidget(_messageView);
     _isActivated = false;
     updateLook();
@@ -352,16 +359,10 @@ void ARXSpaceSquareView::applyStatus(ARXSpaceStatus status) {
         break;
     }
     _messageView->messageLabel()->setText(text);
-    _messageView->chooseButton()->setText(localized("Choose directory"));
-    if (status == ARXSpaceStatus::denied) {
-        if (_root && _root->prepareError && _root->prepareError->code == kNoReadPermission) {
-            // The system itself refuses: choosing the same folder again would not help, so the
-            // chooser waits for the button.
-            _messageView->chooseButton()->setText(localized("Authorize"));
-        } else {
-            QTimer::singleShot(0, this, [this] { choosePath(true); });
-        }
-    }
+    // A folder the system refuses to list says why and waits for the button: a chooser can grant
+    // nothing here, so none opens by itself.
+    _messageView->chooseButton()->setText(
+        status == ARXSpaceStatus::denied ? localized("Authorize") : localized("Choose directory"));
 }
 
 QString ARXSpaceSquareView::messageText() const {
@@ -449,7 +450,11 @@ void ARXSpaceSquareView::setActivated(bool activated) {
                 _delegate->squareViewActivated(*this);
             }
         } else if (_contentView->hasContentFocus()) {
-            _contentView->clearFocus();
+            // The keyboard leaves with the activation: keys must never act on a pane that does
+            // not look active.
+            if (QWidget* focused = QApplication::focusWidget()) {
+                focused->clearFocus();
+            }
         }
     }
     _isActivated = activated;
@@ -462,6 +467,9 @@ void ARXSpaceSquareView::setLone(bool lone) {
 }
 
 void ARXSpaceSquareView::updateLook() {
+    for (const auto& [type, view] : _contentViews) {
+        view->setActiveLook(_isActivated);
+    }
     QPalette palette = _titleBar->palette();
     palette.setColor(QPalette::Window,
                      _isActivated ? this->palette().color(QPalette::Button) : Qt::transparent);

@@ -34,6 +34,7 @@ ARXSpaceView* ARXSpaceSquareView::makeContentView(ARXSpaceViewType /*type*/) {
     auto* view = new ARXSpaceListView(this);
     view->setDelegate(this);
     view->setPresenter(_presenter);
+    view->setActiveLook(_isActivated);
     return view;
 }
 
@@ -78,7 +79,9 @@ void ARXSpaceSquareView::setViewType(ARXSpaceViewType type) {
         _contentView->setColumnWidths(*widths);
     }
     _contentView->setSelectedItems(selected);
-    _contentView->focusContent();
+    if (_isActivated) {
+        _contentView->focusContent();
+    }
 }
 
 void ARXSpaceSquareView::setHiddenVisible(bool visible) {

@@ -49,6 +49,13 @@ ARXSpaceView::ARXSpaceView(QWidget* parent)
     _dirtyPoll.setInterval(100);
     connect(&_dirtyPoll, &QTimer::timeout, this, &ARXSpaceView::reloadIfDirtyLater);
     _dirtyPoll.start();
+    // For the view's whole life, shown folder or not: a view that comes back into use has the
+    // status bar every other view has.
+    ARXNotificationCenter::shared().addObserver(
+        ARXNotificationName::rv_settings_bottom_statusbar_changed, this,
+        [this](const ARXNotification&) {
+            setBottomStatusVisible(ARXConf::settings_space_bottom_statusbar_visible().value());
+        });
 }
 
 ARXSpaceView::~ARXSpaceView() {
@@ -282,7 +289,10 @@ void ARXSpaceView::removeObservers() {
     }
     _observing = false;
     _watcher->unwatchAll();
-    ARXNotificationCenter::shared().removeObservers(this);
+    for (const ARXNotificationCenter::Token token : _observerTokens) {
+        ARXNotificationCenter::shared().removeObserver(token);
+    }
+    _observerTokens.clear();
 }
 
 void ARXSpaceView::watchFolder(const ARXFileEntryRef& folder) {
@@ -319,22 +329,25 @@ std::vector<Path> ARXSpaceView::watchedFolders() const {
 
 void ARXSpaceView::observeNotifications() {
     namespace N = ARXNotificationName;
-    auto& center = ARXNotificationCenter::shared();
+    const auto observe = [this](const QString& name, ARXNotificationCenter::Handler handler) {
+        _observerTokens.push_back(
+            ARXNotificationCenter::shared().addObserver(name, this, std::move(handler)));
+    };
     for (const QString& name :
          {N::rv_settings_filename_fontsize_changed, N::rv_settings_show_icon_thumb_min_size_changed,
           N::rv_settings_show_icon_thumb_media_changed}) {
-        center.addObserver(name, this, [this](const ARXNotification&) { reloadOrDefer(); });
+        observe(name, [this](const ARXNotification&) { reloadOrDefer(); });
     }
-    center.addObserver(N::rv_file_moved, this, [this](const ARXNotification& note) {
+    observe(N::rv_file_moved, [this](const ARXNotification& note) {
         applyMove(
             ARXPath::fromStoredText(note.userInfo.value(QStringLiteral("source")).toString()),
             ARXPath::fromStoredText(note.userInfo.value(QStringLiteral("target")).toString()));
     });
-    center.addObserver(N::rv_file_changed, this, [this](const ARXNotification& note) {
+    observe(N::rv_file_changed, [this](const ARXNotification& note) {
         onFileChangedNotice(
             ARXPath::fromStoredText(note.userInfo.value(QStringLiteral("path")).toString()));
     });
-    center.addObserver(N::rv_file_tags_changed, this, [this](const ARXNotification& note) {
+    observe(N::rv_file_tags_changed, [this](const ARXNotification& note) {
         const QVariant url = note.userInfo.value(QStringLiteral("url"));
         const Path path = ARXPath::fromFileURL(url.toString());
         if (ARXFileEntryRef entry = path.empty() ? nullptr : find(ARXPath::normalized(path))) {
@@ -342,10 +355,6 @@ void ARXSpaceView::observeNotifications() {
             entryRefreshed(entry);
         }
     });
-    center.addObserver(
-        N::rv_settings_bottom_statusbar_changed, this, [this](const ARXNotification&) {
-            setBottomStatusVisible(ARXConf::settings_space_bottom_statusbar_visible().value());
-        });
 }
 
 // ----- changes on disk
@@ -360,8 +369,8 @@ void ARXSpaceView::onFileChangedNotice(const Path& path) {
     }
     if (ARXFileIO::exists(path)) {
         applyChange(path);
-    } else if (ARXFileEntryRef entry = find(path)) {
-        removeEntry(entry);
+    } else {
+        applyGone(path);
     }
 }
 
@@ -384,9 +393,7 @@ void ARXSpaceView::subitemChanged(const Path& path) {
         return;
     }
     if (!ARXFileIO::exists(path)) {
-        if (ARXFileEntryRef entry = find(path)) {
-            removeEntry(entry);
-        }
+        applyGone(path);
         return;
     }
     if (isSpelledAsOnDisk(path)) {
@@ -398,20 +405,41 @@ ARXFileEntryRef ARXSpaceView::applyChange(const Path& path) {
     if (!_root || !_root->contains(path, true)) {
         return nullptr;
     }
-    if (ARXFileEntryRef entry = find(path)) {
+    ARXFileEntryRef entry = find(path);
+    if (entry) {
         if (entry->path() != path) {
             entry->setPath(path);
         }
         if (entry->refresh()) {
             entryRefreshed(entry);
         }
-        return entry;
-    }
-    ARXFileEntryRef entry = _root->addChild(path);
-    if (entry) {
+    } else if ((entry = _root->addChild(path))) {
         entryInserted(entry);
     }
+    refreshLinksTo(path);
     return entry;
+}
+
+void ARXSpaceView::applyGone(const Path& path) {
+    if (ARXFileEntryRef entry = find(path)) {
+        removeEntry(entry);
+    }
+    refreshLinksTo(path);
+}
+
+void ARXSpaceView::refreshLinksTo(const Path& path) {
+    if (!_root) {
+        return;
+    }
+    for (const ARXFileEntryRef& link : _root->linksTo(path)) {
+        // The link keeps its row; only what the row shows of the target changes. A link whose
+        // target is gone keeps its last target entry, which then reads as gone.
+        link->refresh(true);
+        if (const ARXFileEntryRef& target = link->link()) {
+            target->refresh(true);
+        }
+        entryRefreshed(link);
+    }
 }
 
 void ARXSpaceView::subitemMoved(const Path& from, const Path& to) {
@@ -437,11 +465,11 @@ void ARXSpaceView::applyMove(const Path& from, const Path& to) {
         entryRefreshed(entry);
         // The watches of a moved folder stay with the old paths, which no longer exist.
         rewatch(entry, from);
+        refreshLinksTo(from);
+        refreshLinksTo(to);
         return;
     }
-    if (ARXFileEntryRef entry = find(from)) {
-        removeEntry(entry);
-    }
+    applyGone(from);
     applyChange(to);
 }
 
@@ -457,14 +485,14 @@ void ARXSpaceView::removeEntry(const ARXFileEntryRef& entry) {
     }
     const size_t index = size_t(at - children.begin());
     parent->removeChildren({entry});
-    const auto selected =
-        std::find_if(_selectedItems.begin(), _selectedItems.end(),
-                     [&](const ARXFileEntryRef& item) { return item->path() == entry->path(); });
+    const auto selected = std::find(_selectedItems.begin(), _selectedItems.end(), entry);
     if (selected != _selectedItems.end()) {
         _selectedItems.erase(selected);
     }
     entryRemoved(entry, index);
-    if (entry->isFolder()) {
+    // A placeholder may carry the path of the folder it stands beside; that folder's row, and its
+    // watch, stay.
+    if (entry->isFolder() && !find(entry->target().path())) {
         _watcher->unwatch(entry->target().path());
     }
 }

@@ -5,6 +5,8 @@
 #include "model/ARXFileEntryRemovals.h"
 #include "model/ARXSpaceViewTypes.h"
 #include "ops/ARXFileOperationController.h"
+#include "platform/ARXNotificationCenter.h"
+#include "ui/ARXFileClipboard.h"
 
 #include <QMap>
 #include <QPointer>
@@ -102,11 +104,19 @@ public:
     virtual int lod() const { return _lod; }
     virtual void setLod(int lod) { _lod = lod; }
     virtual void applySort(ARXSpaceViewColumnId column, bool ascending, bool foldersOnTop);
+    // Unfolds a folder shown as a row, listing it; answers whether its rows show (the root's
+    // always do).
+    virtual bool expandEntry(const ARXFileEntryRef& entry) { return entry == _root; }
 
     // ----- the widget
 
     // Gives the keyboard focus to the widget.
     virtual void focusContent() = 0;
+    // Whether the view's pane is the active one. An inactive pane's selection is drawn in the
+    // inactive colours, so that only the selection commands act on reads as current, and a view
+    // whose pane is not active never takes the keyboard by itself.
+    virtual void setActiveLook(bool active) { _activeLook = active; }
+    bool hasActiveLook() const { return _activeLook; }
     virtual bool hasContentFocus() const = 0;
     virtual bool beginEditingName(const ARXFileEntryRef& entry) = 0;
     // Everything is read from the tree again (settings changed, sort, the clock); while a rename
@@ -128,6 +138,8 @@ public:
     // the entry, or null when the path is outside the root or its folder was never listed.
     ARXFileEntryRef applyChange(const Path& path);
     void applyMove(const Path& from, const Path& to);
+    // The item at path is gone: its row goes, the rows of links to it stay and show it gone.
+    void applyGone(const Path& path);
     void removeEntry(const ARXFileEntryRef& entry);
     // The folders the view watches for changes by other programs.
     std::vector<Path> watchedFolders() const;
@@ -145,7 +157,8 @@ public:
     void paste(const ARXFileEntryRef& destination, bool move);
     bool canPasteHere() const;
     // Copies or moves paths into a folder of this view, with one placeholder row per item.
-    void transferPaths(const ARXFileEntryRef& destination, std::vector<Path> paths, bool copy);
+    // Answers whether a batch started (nothing is left once the paths that may not go are out).
+    bool transferPaths(const ARXFileEntryRef& destination, std::vector<Path> paths, bool copy);
     virtual void trashEntries(const ARXFileEntryList& entries);
     // Asks, then deletes for good. `ask` false skips the question (tests, scripts).
     void removeEntries(const ARXFileEntryList& entries, bool ask = true);
@@ -184,6 +197,8 @@ public:
 Q_SIGNALS:
     // The status text changed (`statusText` of the current counts).
     void statusTextChanged(const QString& text);
+    // A batch of this view ended (not by an error) and its rows and selection are settled.
+    void fileOperationEnded();
 
 protected:
     // The widget's selection as entries, top to bottom; and the selection put into the widget,
@@ -215,6 +230,8 @@ protected:
     // A deferred reload happens now, unless a rename or a drag still holds it.
     void reloadIfDirtyNow();
 
+    // The clipboard's cut that the running batch moves, to take off the clipboard at its end.
+    std::optional<ARXFileClipboard::Contents> _pastedCut;
     // The selection after the running operation ends, and whether to rename it then.
     ARXFileEntryList _selectionAfterOperation;
     bool _hasSelectionAfterOperation = false;
@@ -235,6 +252,8 @@ private:
                   bool recordable);
     void reloadIfDirtyLater();
     void onFileChangedNotice(const Path& path);
+    // The loaded links to `path` read their target again and show it.
+    void refreshLinksTo(const Path& path);
 
     ARXSpaceViewDelegate* _delegate = nullptr;
     ARXOperationPresenter* _presenter = nullptr;
@@ -244,5 +263,8 @@ private:
     bool _dragging = false;
     bool _fileOperationWorking = false;
     bool _observing = false;
+    // The observers that live while a folder is shown (not those of the view's whole life).
+    std::vector<ARXNotificationCenter::Token> _observerTokens;
     bool _statusPending = false;
+    bool _activeLook = true;
 };

@@ -248,10 +248,15 @@ void ARXSpaceView::copySelection(bool cut) {
 
 void ARXSpaceView::paste(const ARXFileEntryRef& destination, bool move) {
     const ARXFileClipboard::Contents contents = ARXFileClipboard::current();
-    if (contents.paths.empty()) {
+    const ARXFileEntryRef folder = destination ? destination : _root;
+    if (contents.paths.empty() || !folder) {
         return;
     }
-    transferPaths(destination ? destination : _root, contents.paths, !(contents.cut || move));
+    // A folder row the items go into unfolds, so that they are seen arriving and selected.
+    expandEntry(folder);
+    if (transferPaths(folder, contents.paths, !(contents.cut || move)) && contents.cut) {
+        _pastedCut = contents;
+    }
 }
 
 bool ARXSpaceView::canPasteHere() const {
@@ -260,10 +265,10 @@ bool ARXSpaceView::canPasteHere() const {
     return here && !ARXFileClipboard::current().paths.empty();
 }
 
-void ARXSpaceView::transferPaths(const ARXFileEntryRef& destination, std::vector<Path> paths,
+bool ARXSpaceView::transferPaths(const ARXFileEntryRef& destination, std::vector<Path> paths,
                                  bool copy) {
     if (!destination) {
-        return;
+        return false;
     }
     const ARXFileOperationType type =
         copy ? ARXFileOperationType::copy : ARXFileOperationType::move;
@@ -273,7 +278,7 @@ void ARXSpaceView::transferPaths(const ARXFileEntryRef& destination, std::vector
         paths = ARXPathSelection::pasteSources(paths, destination->path(), type);
     }
     if (paths.empty()) {
-        return;
+        return false;
     }
     std::vector<ARXFileOperationItemRef> items;
     // A folder whose rows are shown gets one placeholder row per item at once; into a folder
@@ -291,6 +296,7 @@ void ARXSpaceView::transferPaths(const ARXFileEntryRef& destination, std::vector
         }
     }
     runBatch(std::move(items), ARXSoundEffect::file_added, true);
+    return true;
 }
 
 void ARXSpaceView::runBatch(std::vector<ARXFileOperationItemRef> items, ARXSoundEffect sound,
@@ -354,6 +360,8 @@ void ARXSpaceView::newFolder() {
     if (!folder || _spaceStatus != ARXSpaceStatus::normal) {
         return;
     }
+    // A folder row it goes into unfolds: the new folder is seen, selected and named there.
+    expandEntry(folder);
     const Path path = uniquePath(
         ARXPath::join(folder->target().path(), localized("untitled folder").toStdString()));
     if (const int error = ARXFileIO::makeDirectory(path)) {

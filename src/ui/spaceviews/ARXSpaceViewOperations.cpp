@@ -1,6 +1,8 @@
 // How a content view follows a batch of its own: placeholder rows become the real items as each
 // finishes, the ones that failed go at the end, and the results are selected.
 
+#include "platform/ARXFileIO.h"
+#include "ui/ARXFileClipboard.h"
 #include "ui/spaceviews/ARXSpaceView.h"
 
 #include <QPointer>
@@ -37,7 +39,22 @@ void ARXSpaceView::fileOperationProgress(ARXFileOperationController& /*controlle
         return;
     }
     if (const ARXFileEntryRef entry = item->userData.lock()) {
-        entry->operation.reset();
+        if (isCreating(item->type) && item->failed) {
+            if (entry->operation) {
+                // Skipped, or it replaced an item that has its own row: the placeholder stands
+                // for nothing. Should the item's row have gone in the exchange of the two, the
+                // placeholder becomes it.
+                const ARXFileEntryRef row = find(entry->path());
+                entry->operation.reset();
+                if ((row && row != entry) || !entry->refresh(true)) {
+                    removeEntry(entry);
+                } else {
+                    entryRefreshed(entry);
+                }
+            }
+        } else {
+            entry->operation.reset();
+        }
         if (isCreating(item->type) && !item->failed) {
             const std::optional<Path> target = item->target();
             // Keep Both gave the item another name: its own row comes with the change notice,
@@ -53,9 +70,7 @@ void ARXSpaceView::fileOperationProgress(ARXFileOperationController& /*controlle
     }
     if (item->type == ARXFileOperationType::move || item->type == ARXFileOperationType::trash ||
         item->type == ARXFileOperationType::remove) {
-        if (const ARXFileEntryRef gone = find(item->from)) {
-            removeEntry(gone);
-        }
+        applyGone(item->from);
     }
 }
 
@@ -86,7 +101,10 @@ void ARXSpaceView::fileOperationFinished(ARXFileOperationController& controller)
         entriesRemoved(removals);
     }
 
-    focusContent();
+    // The user may have gone on in another pane while the batch ran: the keyboard stays there.
+    if (hasActiveLook()) {
+        focusContent();
+    }
     ARXFileEntryList selection;
     if (_hasSelectionAfterOperation) {
         selection = std::move(_selectionAfterOperation);
@@ -116,4 +134,17 @@ void ARXSpaceView::fileOperationFinished(ARXFileOperationController& controller)
             }
         });
     }
+    if (_pastedCut) {
+        // What the cut moved is no longer where the clipboard says: a second paste of it could
+        // only fail. Items left where they were (skipped) stay cut.
+        std::vector<Path> left;
+        for (const Path& path : _pastedCut->paths) {
+            if (ARXFileIO::exists(path)) {
+                left.push_back(path);
+            }
+        }
+        ARXFileClipboard::replaceCut(*_pastedCut, left);
+        _pastedCut.reset();
+    }
+    Q_EMIT fileOperationEnded();
 }

@@ -2,8 +2,10 @@
 
 #include "app/ARXConf.h"
 #include "app/ARXDataCenter.h"
+#include "app/ARXNotificationNames.h"
 #include "app/ARXWindowFrame.h"
 #include "ops/ARXFileOperationRecorder.h"
+#include "platform/ARXNotificationCenter.h"
 #include "ui/ARXKeyEvents.h"
 #include "ui/ARXPropertiesDialog.h"
 #include "ui/window/ARXAtriumWindow.h"
@@ -249,6 +251,9 @@ void ARXAtriumWindowController::perform(ARXActionType action) {
     case A::StatusBar: {
         const auto& option = ARXConf::settings_space_bottom_statusbar_visible();
         option.setValue(!option.value());
+        // Every pane of every window shows or hides its status bar on hearing it.
+        ARXNotificationCenter::shared().post(
+            ARXNotificationName::rv_settings_bottom_statusbar_changed);
         return;
     }
     case A::GetInfo:

@@ -308,7 +308,9 @@ void ARXAtriumViewController::revealPaths(const std::vector<Path>& paths, bool a
     if (groups.size() == 1) {
         ARXSpaceSquareView* pane = activePane();
         if (!pane && !placed.empty()) {
+            // The pane that shows the items is the one the next command acts on.
             pane = placed.front();
+            activate(pane);
         }
         if (pane) {
             pane->reveal(groups.front().second);
