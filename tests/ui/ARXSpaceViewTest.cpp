@@ -319,6 +319,23 @@ TEST_F(ARXSpaceViewTest, ReplacedAndSkippedItemsLeaveNoSecondRow) {
     EXPECT_EQ(readFile(in("b.txt")), "other");
 }
 
+TEST_F(ARXSpaceViewTest, ABatchEndedByAnErrorLeavesNoPlaceholderRow) {
+    // The first source is gone by the time the copy reaches it: the error ends the batch before
+    // the second is copied.
+    writeFile(ARXPath::join(root(), "elsewhere/there.txt"), "t");
+    const Names before = rows();
+    auto done = endSpy();
+    view->transferPaths(
+        top,
+        {ARXPath::join(root(), "elsewhere/gone.txt"), ARXPath::join(root(), "elsewhere/there.txt")},
+        false);
+    ASSERT_TRUE(ended(*done));
+    ASSERT_EQ(presenter.alerts.size(), 1u);
+    EXPECT_FALSE(exists(in("there.txt")));
+    EXPECT_EQ(rows(), before);
+    expectConsistent();
+}
+
 TEST_F(ARXSpaceViewTest, APastedCutLeavesTheClipboardOnceMoved) {
     ARXFileClipboard::put({in("Closed/inner.txt")}, true);
     auto done = endSpy();

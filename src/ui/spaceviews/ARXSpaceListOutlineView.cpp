@@ -100,7 +100,14 @@ bool ARXSpaceListOutlineView::beginEditingName(const QModelIndex& index) {
         return false;
     }
     const QModelIndex name = index.siblingAtColumn(0);
-    setCurrentIndex(name);
+    // The row renamed is the row selected. setCurrentIndex would read the modifiers held at this
+    // moment: Ctrl still down from the key that asked for the rename would toggle the row out of
+    // the selection.
+    const QItemSelectionModel::SelectionFlags keep =
+        selectionModel()->isSelected(name)
+            ? QItemSelectionModel::NoUpdate
+            : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+    selectionModel()->setCurrentIndex(name, keep);
     scrollTo(name);
     // `edit` with every trigger allowed: the view has none of its own.
     return edit(name, QAbstractItemView::AllEditTriggers, nullptr);

@@ -197,7 +197,7 @@ public:
 Q_SIGNALS:
     // The status text changed (`statusText` of the current counts).
     void statusTextChanged(const QString& text);
-    // A batch of this view ended (not by an error) and its rows and selection are settled.
+    // A batch of this view ended, by an error too, and its rows and selection are settled.
     void fileOperationEnded();
 
 protected:

@@ -307,6 +307,14 @@ void ARXSpaceView::runBatch(std::vector<ARXFileOperationItemRef> items, ARXSound
     auto controller = std::make_shared<ARXFileOperationController>(std::move(items), sound,
                                                                    recordable, presenter());
     controller->setDelegate(this);
+    // An error ends a batch without telling its delegate; its end still has to take away the
+    // placeholders of what never happened and the cut it moved part of.
+    ARXFileOperationController* batch = controller.get();
+    connect(batch, &ARXFileOperationController::ended, this, [this, batch] {
+        if (_fileOperationWorking) {
+            fileOperationFinished(*batch);
+        }
+    });
     controller->start();
 }
 

@@ -81,11 +81,13 @@ void ARXSpaceView::fileOperationFinished(ARXFileOperationController& controller)
     }
     _fileOperationWorking = false;
 
-    // Placeholders of items that did not happen (skipped, stopped, failed) leave in one step.
+    // Placeholders of items that did not happen (skipped, stopped, failed, or never reached after
+    // an error) leave in one step.
     ARXFileEntryRemovals removals;
     for (const ARXFileOperationItemRef& item : controller.items()) {
         const ARXFileEntryRef entry = item->userData.lock();
-        if (entry && isCreating(item->type) && item->failed && entry->operation) {
+        if (entry && isCreating(item->type) && (item->failed || !item->finished) &&
+            entry->operation) {
             removals.add(entry);
             entry->operation.reset();
         }
