@@ -2,6 +2,9 @@
 
 #include "support/ARXTestEnvironment.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEvent>
 #include <QString>
 #include <QtGlobal>
 
@@ -16,6 +19,16 @@ protected:
         _dir = qEnvironmentVariable("ATRIUM_SCREENSHOT_DIR");
         if (_dir.isEmpty()) {
             GTEST_SKIP() << "ATRIUM_SCREENSHOT_DIR is not set";
+        }
+    }
+
+    // Runs the event loop for a while before a picture: fades and animations tell no end.
+    static void spin(int ms) {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < ms) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
     }
 

@@ -97,16 +97,6 @@ void ARXTestEnvironment::flushEvents() {
     }
 }
 
-void ARXTestEnvironment::spin(int ms) {
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < ms) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QThread::msleep(1);
-    }
-}
-
 bool ARXTestEnvironment::stopOverridingPermissions() {
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     __user_cap_data_struct data[2]{};

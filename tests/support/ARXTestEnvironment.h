@@ -31,8 +31,6 @@ protected:
 
     // Runs the Qt event loop until pred is true or the timeout passes; answers pred().
     static bool waitUntil(const std::function<bool()>& pred, int timeoutMs = 3000);
-    // Runs the event loop for the given time.
-    static void spin(int ms);
     // Delivers the events already posted, deferred deletions and the layout requests they cause
     // included, without waiting for time to pass: for widget geometry after show() or a rebuild.
     static void flushEvents();

@@ -21,7 +21,7 @@ protected:
         for (QWidget* window : QApplication::topLevelWidgets()) {
             window->close();
         }
-        spin(20);
+        flushEvents();
         ARXAppDelegate::setTrayAvailableForTesting(std::nullopt);
         ARXAppDelegate::setQuitForTesting({});
         ARXTestEnvironment::TearDown();

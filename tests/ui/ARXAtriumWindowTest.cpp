@@ -46,7 +46,7 @@ protected:
         for (ARXAtriumWindow* window : ARXAtriumWindow::windows()) {
             window->close();
         }
-        spin(20); // closed controllers and windows are deleted from the event loop
+        flushEvents(); // closed controllers and windows are deleted from the event loop
         ARXOpenWorkspaces& open = ARXOpenWorkspaces::shared();
         open.lastClosedName.reset();
         open.pendingClose.reset();
@@ -126,7 +126,7 @@ TEST_F(ARXAtriumWindowTest, ClosingAWindowSavesItsWorkspacesAndStartingAgainRest
         window->close();
         EXPECT_EQ(ARXWorkspaceStore::record("B").layoutId, 3);
     }
-    spin(20);
+    flushEvents();
     // A tab group naming a workspace whose file is gone opens the rest of it.
     QList<QStringList> groups = ARXConf::cached_open_atrium_tab_names().value();
     groups.first().append("Gone");
@@ -269,16 +269,19 @@ TEST_F(ARXAtriumWindowTest, TheKeyboardSettlesInOnePaneAfterALayoutChange) {
     QApplication::setActiveWindow(window);
     ARXAtriumViewController* workspace = window->currentController()->viewController();
     workspace->onLayoutClicked(ARXAtriumLayoutId(0));
-    spin(50);
+    flushEvents();
     workspace->onLayoutClicked(ARXAtriumLayoutId(1));
-    spin(50);
-    // Two panes activated in one event once handed the keyboard to each other without end.
+    ASSERT_TRUE(waitUntil([&] {
+        return workspace->activePane() &&
+               workspace->activePane()->isAncestorOf(QApplication::focusWidget());
+    }));
+    // Two panes activated in one event once handed the keyboard to each other without end: once
+    // it has settled, delivering what is pending moves it no more.
     int changes = 0;
     QObject counting;
     QObject::connect(qApp, &QApplication::focusChanged, &counting, [&] { ++changes; });
-    spin(100);
+    flushEvents();
     EXPECT_EQ(changes, 0);
-    ASSERT_NE(workspace->activePane(), nullptr);
     EXPECT_TRUE(workspace->activePane()->isAncestorOf(QApplication::focusWidget()));
 }
 

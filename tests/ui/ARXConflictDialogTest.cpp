@@ -106,7 +106,7 @@ TEST_F(ARXConflictDialogTest, AnswersExactlyOnce) {
     ASSERT_EQ(answers.size(), 1u);
     EXPECT_EQ(answers[0].action, Action::replace);
     EXPECT_TRUE(waitUntil([&] { return dialog.isNull(); }));
-    spin(50);
+    flushEvents();
     EXPECT_EQ(answers.size(), 1u);
 }
 
@@ -137,7 +137,7 @@ TEST_F(ARXConflictDialogTest, ADialogDestroyedUnansweredStopsTheBatch) {
     EXPECT_TRUE(answers.empty());
     ASSERT_TRUE(waitUntil([&] { return !answers.empty(); }));
     EXPECT_EQ(answers[0].action, Action::stop);
-    spin(20);
+    flushEvents();
     EXPECT_EQ(answers.size(), 1u);
 }
 
