@@ -18,10 +18,6 @@ namespace {
 using T = ARXActionType;
 namespace Configuration = ARXToolbarConfiguration;
 
-QString id(T type) {
-    return ARXAction::identifier(type);
-}
-
 // The bar in a window, at both icon sizes, on a light and a dark palette, with its menus, saved as
 // pictures when ATRIUM_SCREENSHOT_DIR names a folder. Meant for a real display (Xvfb).
 class ARXToolBarPictures : public ARXPictureEnvironment {

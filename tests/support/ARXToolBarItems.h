@@ -8,6 +8,11 @@
 
 // What the toolbar tests and pictures put on a bar.
 
+// The identifier the bar knows an action's item by.
+inline QString id(ARXActionType type) {
+    return ARXAction::identifier(type);
+}
+
 // Everything the toolbar can show, in the allowed order, without spaces.
 inline QStringList everyItem() {
     QStringList items;

@@ -31,10 +31,6 @@ namespace {
 using T = ARXActionType;
 namespace Configuration = ARXToolbarConfiguration;
 
-QString id(T type) {
-    return ARXAction::identifier(type);
-}
-
 class ARXToolBarTest : public ARXTestEnvironment {
 protected:
     // The button of an action, wherever on the bar it is.
