@@ -15,14 +15,9 @@ TEST(ARXActionTypeTest, EveryActionHasOneIdentifierThatLeadsBackToIt) {
         EXPECT_TRUE(seen.insert(id).second) << "repeated " << id.toStdString();
         EXPECT_EQ(ARXAction::type(id), type) << id.toStdString();
     }
-    EXPECT_EQ(ARXAction::identifier(ARXActionType::Copy),
-              QStringLiteral("com.brightmoor.atrium.copy"));
-    EXPECT_EQ(ARXAction::identifier(ARXActionType::WorkspaceName),
-              QStringLiteral("com.brightmoor.atrium.workspace_name"));
     EXPECT_EQ(ARXAction::type(QStringLiteral("com.brightmoor.atrium.no_such")),
               ARXActionType::None);
     EXPECT_EQ(ARXAction::type(QStringLiteral("copy")), ARXActionType::None);
-    EXPECT_EQ(ARXAction::title(ARXActionType::Remove), QStringLiteral("Delete directly"));
     EXPECT_TRUE(ARXAction::title(ARXActionType::SortByName).isEmpty());
     EXPECT_TRUE(ARXAction::title(ARXActionType::Separator).isEmpty());
 }

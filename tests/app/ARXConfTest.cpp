@@ -202,15 +202,6 @@ TEST_F(ARXConfTest, ResetStoresTheDefaultInsteadOfRemovingTheKey) {
               strings({"Date Modified", "Size", "Kind"}));
 }
 
-TEST_F(ARXConfTest, AppearanceZeroLeavesNoKey) {
-    ARXConf::storeAppearance(2);
-    EXPECT_EQ(fileObject().value("settings_appearance"), QJsonValue(2));
-    ARXConf::storeAppearance(0);
-    EXPECT_FALSE(fileObject().contains("settings_appearance"));
-    EXPECT_FALSE(ARXConf::settings_appearance().isStored());
-    EXPECT_EQ(ARXConf::settings_appearance().value(), 0);
-}
-
 TEST_F(ARXConfTest, MacTerminalPathsReadAsThisSystemsTerminal) {
     const QString system = ARXTerminalOption::systemTerminal();
     for (const char* mac :

@@ -136,6 +136,10 @@ TEST_F(ARXSettingsStoreTest, AppearanceZeroIsRemovedWhenItIsAppliedAtLaunch) {
     ARXConf::storeAppearance(2);
     EXPECT_EQ(ARXConf::appearanceToApply(), 2);
     EXPECT_EQ(fileObject().value("settings_appearance"), QJsonValue(2));
+    // Choosing the system's appearance again leaves no key either.
+    ARXConf::storeAppearance(0);
+    EXPECT_FALSE(fileObject().contains("settings_appearance"));
+    EXPECT_FALSE(ARXConf::settings_appearance().isStored());
 }
 
 TEST_F(ARXSettingsStoreTest, ValuesSurviveARoundTripThroughTheFile) {

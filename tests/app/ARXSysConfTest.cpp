@@ -124,11 +124,7 @@ TEST_F(ARXSysConfTest, LanguagesUserAgentAndScreen) {
     EXPECT_EQ(conf.appUserAgent(), QStringLiteral("Mozilla/5.0 (X11; Linux aarch64) "
                                                   "AppleWebKit/603.2.4 (KHTML, like Gecko) "
                                                   "Atrium/" ATRIUM_VERSION));
-    EXPECT_EQ(conf.appName(), QStringLiteral("Atrium"));
-    EXPECT_EQ(conf.appIdentifier(), QStringLiteral("com.brightmoor.atrium"));
     EXPECT_EQ(conf.screenResolution(), QStringLiteral("(not set)"));
-    conf.setScreenResolution(1920, 1080);
-    EXPECT_EQ(conf.screenResolution(), QStringLiteral("1920x1080"));
 }
 
 } // namespace

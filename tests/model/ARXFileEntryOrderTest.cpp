@@ -1,7 +1,6 @@
 #include "ARXFileEntryFixture.h"
 #include "model/ARXFileEntry.h"
 #include "model/ARXSecurityScopedCache.h"
-#include "platform/ARXHiddenList.h"
 #include "support/ARXTestImages.h"
 
 #include <atomic>
@@ -149,16 +148,6 @@ TEST_F(ARXFileEntryOrderTest, RevealingAndHidingKeepExistingChildren) {
     dir->hideHidden();
     EXPECT_EQ(names(dir->children()), (Names{"sub", "b", "a"}));
     EXPECT_TRUE(sub->children().empty());
-}
-
-TEST_F(ARXFileEntryOrderTest, HugeOrBinaryHiddenListIsReadSafely) {
-    std::string list = "secret\r\n";
-    list += std::string("\0\xff\xfe/x\n\n..\n", 10);
-    list.append(ARXHiddenList::kMaxBytes, 'z');
-    list += "\nlate\n";
-    writeFile(at("dir/.hidden"), list);
-    const ARXFileEntryRef dir = listed({"secret", "late", "plain"});
-    EXPECT_EQ(names(dir->children()), (Names{"late", "plain"}));
 }
 
 TEST_F(ARXFileEntryOrderTest, FolderChildrenAreCachedUntilTheChildrenChange) {

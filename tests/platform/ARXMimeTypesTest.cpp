@@ -65,7 +65,6 @@ TEST_F(ARXMimeTypesTest, LinksAreTheirTargetsAndSpecialFilesAreNotRead) {
 
 TEST_F(ARXMimeTypesTest, ExtensionsAndNames) {
     EXPECT_EQ(ARXMimeTypes::typeForExtension("png"), "image/png");
-    EXPECT_EQ(ARXMimeTypes::typeForExtension("zip"), "application/zip");
     EXPECT_EQ(ARXMimeTypes::typeForExtension("no-such-extension"), ARXMimeTypes::kDataType);
     EXPECT_EQ(ARXMimeTypes::typeForExtension(""), ARXMimeTypes::kDataType);
     EXPECT_EQ(ARXMimeTypes::typeOfName("archive.tar.gz"), "application/x-compressed-tar");
@@ -77,19 +76,16 @@ TEST_F(ARXMimeTypesTest, Families) {
     const auto is = [](const char* type, F family) {
         return ARXMimeTypes::conformsTo(QString::fromLatin1(type), family);
     };
-    EXPECT_TRUE(is("image/png", F::image));
     EXPECT_TRUE(is("image/svg+xml", F::image));
     EXPECT_FALSE(is("image/png", F::audiovisual));
     EXPECT_TRUE(is("video/mp4", F::movie));
     EXPECT_TRUE(is("video/mp4", F::audiovisual));
     EXPECT_TRUE(is("audio/mpeg", F::audiovisual));
     EXPECT_FALSE(is("audio/mpeg", F::movie));
-    EXPECT_TRUE(is("application/zip", F::archive));
     EXPECT_TRUE(is("application/x-compressed-tar", F::archive));
     EXPECT_TRUE(is("application/x-iso9660-image", F::archive)); // an alias
     EXPECT_TRUE(is("application/java-archive", F::archive));    // derived from zip
     EXPECT_FALSE(is("application/pdf", F::archive));
-    EXPECT_TRUE(is("text/plain", F::text));
     EXPECT_TRUE(is("text/x-c++src", F::text));
     EXPECT_FALSE(is("image/png", F::text));
     EXPECT_FALSE(is("no/such-type", F::image));
@@ -108,7 +104,6 @@ TEST_F(ARXMimeTypesTest, Families) {
 TEST_F(ARXMimeTypesTest, DescriptionsAndIcons) {
     EXPECT_FALSE(ARXMimeTypes::kindText("image/png").isEmpty());
     EXPECT_TRUE(ARXMimeTypes::kindText("no/such-type").isEmpty());
-    EXPECT_EQ(ARXMimeTypes::iconName("image/png"), "image-png");
     EXPECT_EQ(ARXMimeTypes::genericIconName("image/png"), "image-x-generic");
     EXPECT_EQ(ARXMimeTypes::iconName(ARXMimeTypes::kFolderType), "inode-directory");
 }

@@ -38,14 +38,6 @@ protected:
         return bar.findChild<QToolButton*>(id(type));
     }
 
-    static QStringList menuTexts(const QMenu& menu) {
-        QStringList texts;
-        for (const QAction* action : menu.actions()) {
-            texts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
-        }
-        return texts;
-    }
-
     static QAction* menuAction(const QMenu& menu, const QString& text) {
         for (QAction* action : menu.actions()) {
             if (action->text() == text) {
@@ -84,8 +76,6 @@ TEST_F(ARXToolBarTest, EveryAllowedItemIsAnActionOfTheCatalogueOrOneOfItsOwn) {
         EXPECT_EQ(ARXAction::type(item) == T::None, own) << item.toStdString();
         EXPECT_FALSE(ARXToolBar::label(item).isEmpty()) << item.toStdString();
     }
-    EXPECT_EQ(ARXToolBar::label(id(T::PinTop)), QStringLiteral("Sticky Window"));
-    EXPECT_EQ(ARXToolBar::label(id(T::WorkspaceName)), QStringLiteral("Workspace Name"));
 }
 
 TEST_F(ARXToolBarTest, TheStateEnablesChecksAndNamesTheItems) {
@@ -173,18 +163,6 @@ TEST_F(ARXToolBarTest, ClicksAreReportedAndTheWindowDecidesTheMarks) {
     EXPECT_EQ(names.at(0).at(0).value<QWidget*>(), name);
 }
 
-TEST_F(ARXToolBarTest, TheCustomisationMenuOffersTheItemsInTheAllowedOrder) {
-    ARXToolBar bar;
-    std::unique_ptr<QMenu> menu(bar.makeCustomizeMenu(nullptr));
-    EXPECT_EQ(menuTexts(*menu),
-              (QStringList{"Back/Forward", "Sidebar", "View Types", "Workspace Name", "Layouts",
-                           "Get Info", "Move to Trash", "New Folder", "Hidden Files",
-                           "Sticky Window", "-", "Use Small Icons", "-", "Reset Toolbar"}));
-    EXPECT_TRUE(menuAction(*menu, "Sidebar")->isChecked());
-    EXPECT_FALSE(menuAction(*menu, "Get Info")->isChecked());
-    EXPECT_FALSE(menuAction(*menu, "Use Small Icons")->isChecked());
-}
-
 TEST_F(ARXToolBarTest, AChangeInOneWindowShowsInEveryWindowAndIsSaved) {
     ARXToolBar first, second;
     ARXWindowState state = paneState();
@@ -192,6 +170,10 @@ TEST_F(ARXToolBarTest, AChangeInOneWindowShowsInEveryWindowAndIsSaved) {
     first.update(state);
 
     std::unique_ptr<QMenu> menu(first.makeCustomizeMenu(nullptr));
+    // The menu marks what the bar shows.
+    EXPECT_TRUE(menuAction(*menu, "Sidebar")->isChecked());
+    EXPECT_FALSE(menuAction(*menu, "Move to Trash")->isChecked());
+    EXPECT_FALSE(menuAction(*menu, "Use Small Icons")->isChecked());
     menuAction(*menu, "Move to Trash")->trigger();
     menuAction(*menu, "Sidebar")->trigger(); // takes it away
     // Trash joins the file tools after Share and AirDrop, which this build does not show.
@@ -360,8 +342,6 @@ TEST_F(ARXToolBarTest, TheLayoutMenuShowsLargeNamedPictures) {
     ARXLayoutsToolbarItem chooser;
     QMenu* menu = chooser.menu();
     ASSERT_EQ(menu->actions().size(), 12);
-    EXPECT_EQ(menu->actions().first()->toolTip(), QStringLiteral("Layout 1"));
-    EXPECT_EQ(menu->actions().last()->text(), QStringLiteral("Layout 12"));
     EXPECT_TRUE(menu->toolTipsVisible());
     menu->ensurePolished();
     const QSize hint = menu->sizeHint();
