@@ -67,11 +67,8 @@ TEST(ARXAtriumData, StrictTypesMakeTheWholeRecordUndecodable) {
                         &error));
     EXPECT_TRUE(error.contains(QStringLiteral("vd3.histories"))) << error.toStdString();
     EXPECT_FALSE(decode(R"({"frame": [[0,0],[1,1]], "layoutId": 2.5})"));
-    EXPECT_FALSE(decode(R"({"frame": [[0,0],[1,1]], "pinTop": 1})"));
     EXPECT_FALSE(decode(R"({"frame": [[0,0],[1,1]], "layoutFactors": [0.5, "x"]})"));
     EXPECT_FALSE(decode(R"({"frame": [[0,0]]})"));
-    EXPECT_FALSE(decode(R"({"frame": [[0,0],[1,1]], "vd1": {"viewType": 2, "histories": [1],
-        "historyIndex": 0, "root": "/"}})"));
     EXPECT_FALSE(decode(R"({"frame": [[0,0],[1,1]], "vd1": {"viewType": 2, "histories": [],
         "historyIndex": 0, "root": "/", "columnWidths": {"Name": "wide"}}})"));
     EXPECT_TRUE(decode(R"({"frame": [[0,0],[1,1]], "layoutId": 2.0})"));
