@@ -1,3 +1,4 @@
+#include "ops/ARXFileOperationConflict.h"
 #include "pictures/ARXPictureEnvironment.h"
 #include "support/ARXTestEnvironment.h"
 #include "ui/ARXAlerts.h"
@@ -68,6 +69,14 @@ TEST_F(ARXDialogPictures, Pictures) {
         dialog.show();
         save(&dialog, single ? "conflict-last" : "conflict");
     }
+    // A folder onto a folder, as the engine asks it.
+    const ARXFileOperationItem copy(ARXFileOperationType::copy, root() + "/Projects",
+                                    root() + "/Elsewhere/Projects");
+    const ARXConflictQuestion folders = ARXFileOperationConflict::question(copy, false, true);
+    ARXConflictDialog merge(
+        folders, [](ARXFileOperationConflictAction, bool) {}, &window);
+    merge.show();
+    save(&merge, "conflict-folders");
     ARXConflictDialog longName(
         {root() + "/Holiday photos from the summer of 2023 in the mountains.jpg",
          QStringLiteral("Holiday photos from the summer of 2023 in the mountains.jpg"),
