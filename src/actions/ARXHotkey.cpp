@@ -66,7 +66,9 @@ const std::vector<std::pair<ARXActionType, ARXHotkey>>& ARXDefaultHotkeys::table
             {A::Duplicate, "cmd+d"},
             {A::QuickLook, "cmd+y"},
             {A::Trash, "cmd+⌫"},
-            {A::Remove, "option+cmd+⌫"},
+            // Ctrl+Alt+Backspace is the X server's kill key on some systems: deleting for good is
+            // Shift+Delete, as in every Linux file manager.
+            {A::Remove, "shift+⌦"},
             {A::Undo, "cmd+z"},
             {A::Redo, "shift+cmd+z"},
             {A::Cut, "cmd+x"},
@@ -101,6 +103,16 @@ const std::vector<std::pair<ARXActionType, ARXHotkey>>& ARXDefaultHotkeys::table
             {A::SortByDateModified, "ctrl+option+cmd+5"},
             {A::SortBySize, "ctrl+option+cmd+6"},
             {A::SortByTags, "ctrl+option+cmd+7"},
+            // Second keys: what Linux users type from habit. They follow the first ones, so an
+            // action's first row stays the one its menu item shows.
+            {A::Trash, "⌦"},
+            {A::Rename, "F2"},
+            {A::GoBack, "option+←"},
+            {A::GoBack, "⌫"},
+            {A::GoForward, "option+→"},
+            {A::GoEnclosingFolder, "option+↑"},
+            {A::RefreshView, "F5"},
+            {A::HiddenFiles, "cmd+H"},
         };
         std::vector<std::pair<A, ARXHotkey>> parsed;
         parsed.reserve(texts.size());

@@ -34,9 +34,10 @@ struct ARXHotkey {
 
 namespace ARXDefaultHotkeys {
 
-// The hotkeys actions have until the user changes them, in the table's order.
+// The hotkeys actions have until the user changes them, in the table's order: each action's first
+// key, then the second keys some actions have on Linux.
 const std::vector<std::pair<ARXActionType, ARXHotkey>>& table();
-// The default hotkey of an action, if it has one.
+// The default hotkey of an action (its first), if it has one.
 std::optional<ARXHotkey> hotkey(ARXActionType type);
 // The action whose default hotkey this is; None for a combination no action has.
 ARXActionType action(const ARXHotkey& hotkey);

@@ -102,7 +102,7 @@ TEST_F(ARXConfTest, CatalogueListsEveryStoredKeyWithItsDefault) {
         {"settings_column_extra_info_type", 0},
         {"settings_terminal_app", ARXTerminalOption::systemTerminal()},
         {"settings_editor_app", ""},
-        {"settings_press_enter_key", 0},
+        {"settings_press_enter_key", 1},
         {"settings_escape_to_deselect", true},
         {"settings_address_segment_auto_expand", 1},
         {"settings_action_target", 1},

@@ -509,6 +509,15 @@ TEST_F(ARXSpaceViewTest, TrashKeyMovesTheSelectionOnAndCountsShowInTheStatus) {
     EXPECT_TRUE(view->statusText(0, 0).startsWith(QStringLiteral("empty, ")));
     EXPECT_TRUE(view->statusText(0, 1).startsWith(QStringLiteral("1 item, ")));
     EXPECT_TRUE(view->statusText(0, 7).startsWith(QStringLiteral("7 items, ")));
+
+    // The keys of Linux habit: Delete trashes too, and F2 renames.
+    const auto again = endSpy();
+    QTest::keyClick(view->outlineView(), Qt::Key_Delete);
+    ASSERT_TRUE(ended(*again));
+    EXPECT_TRUE(exists(ARXPath::join(dataHome(), "Trash/files/c.txt")));
+    ASSERT_EQ(view->selectedItems().size(), 1u);
+    QTest::keyClick(view->outlineView(), Qt::Key_F2);
+    EXPECT_TRUE(view->isEditingFilename());
 }
 
 TEST_F(ARXSpaceViewTest, NewFolderWithSelectionMovesTheItemsInAndRenamesIt) {

@@ -193,11 +193,6 @@ bool ARXSpaceView::handleKey(QKeyEvent* event) {
             return true;
         }
     }
-    // Shift+Delete deletes for good, as in other Linux file managers.
-    if (key == Qt::Key_Delete && modifiers == Qt::ShiftModifier) {
-        removeEntries(_selectedItems);
-        return true;
-    }
     const bool isReturn = key == Qt::Key_Return || key == Qt::Key_Enter;
     if (modifiers == Qt::ControlModifier) {
         switch (key) {
