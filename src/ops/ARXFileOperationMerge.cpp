@@ -7,7 +7,7 @@
 #include "ops/ARXFileLayer.h"
 #include "ops/ARXFileOperationController.h"
 #include "platform/ARXConsole.h"
-#include "platform/ARXDirectoryReader.h"
+#include "platform/ARXFileIO.h"
 
 #include <algorithm>
 
@@ -23,20 +23,16 @@ bool ARXFileOperationController::isLastQuestion() const {
 }
 
 void ARXFileOperationController::beginMerge(const ARXFileOperationItemRef& folder) {
-    const ARXDirectoryListing listing = ARXDirectoryReader::list(folder->from);
-    if (!listing.ok()) {
-        throw ARXFileError::fromErrno(listing.error, folder->from);
-    }
-    std::vector<std::string> names;
-    names.reserve(listing.items.size());
-    for (const ARXDirectoryItem& item : listing.items) {
-        names.push_back(item.name);
+    int error = 0;
+    std::optional<std::vector<std::string>> names = ARXFileIO::listNames(folder->from, &error);
+    if (!names) {
+        throw ARXFileError::fromErrno(error, folder->from);
     }
     // In name order, the first last, since the list is worked from its end.
-    std::sort(names.begin(), names.end(), std::greater<>());
+    std::sort(names->begin(), names->end(), std::greater<>());
     MergeLevel level{folder, {}};
-    level.pending.reserve(names.size());
-    for (const std::string& name : names) {
+    level.pending.reserve(names->size());
+    for (const std::string& name : *names) {
         level.pending.push_back(std::make_shared<ARXFileOperationItem>(
             folder->type, ARXPath::join(folder->from, name), ARXPath::join(*folder->to, name)));
     }

@@ -31,17 +31,15 @@ ARXFileOperations::Building following(ARXFileOperationItem& item) {
     return [&item](const Path& building) { item.setTarget(building); };
 }
 
-void copyTo(ARXFileOperationItem& item, const Path& target) {
+// The item's copy or move (`transfer`: ARXFileLayer::copyFile or moveFile) to `target`.
+template <auto transfer>
+void transferTo(ARXFileOperationItem& item, const Path& target) {
     item.setTarget(target);
-    ARXFileLayer::copyFile(item.from, target, following(item));
-    item.setTarget(target);
-}
-
-void moveTo(ARXFileOperationItem& item, const Path& target) {
-    item.setTarget(target);
-    ARXFileLayer::moveFile(item.from, target, following(item));
+    transfer(item.from, target, following(item));
     item.setTarget(target);
 }
+constexpr auto copyTo = transferTo<ARXFileLayer::copyFile>;
+constexpr auto moveTo = transferTo<ARXFileLayer::moveFile>;
 
 } // namespace
 

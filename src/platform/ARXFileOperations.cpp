@@ -195,15 +195,13 @@ std::optional<Path> replaceOnOneMount(const Path& existing, const Path& with) {
     }
     if (const int err =
             ARXFileTree::renameNoReplace(AT_FDCWD, with.c_str(), AT_FDCWD, existing.c_str())) {
-        // Someone took the name in between: the old item comes back out of the trash.
-        if (ARXFileTree::renameNoReplace(AT_FDCWD, trashed.c_str(), AT_FDCWD, existing.c_str()) ==
-            0) {
-            if (const std::optional<Path> info = ARXTrash::infoFileFor(trashed)) {
-                ::unlink(info->c_str());
-            }
-        } else {
-            ARXConsole::line("Atrium: " + existing + " stays in the trash as " + trashed +
-                             ": its name was taken");
+        // Someone took the name in between: the old item comes back out of the trash, and with it
+        // its records there.
+        try {
+            ARXTrash::moveItem(trashed, existing);
+        } catch (const ARXFileError& stays) {
+            ARXConsole::line("Atrium: " + existing + " stays in the trash as " + trashed + ": " +
+                             stays.what());
         }
         throw ARXFileTree::renameError(err, with, existing);
     }
